@@ -36,11 +36,11 @@ struct EnumNames<ClipDetail> {
 
 // The description of an image copy; the bytes themselves are stored apart, named by `digest`.
 struct ClipImageInfo {
-    std::string type;
+    std::string type{};
     double width = 0;
     double height = 0;
     std::int64_t byteCount = 0;
-    std::string digest;
+    std::string digest{};
 
     friend bool operator==(const ClipImageInfo&, const ClipImageInfo&) = default;
 };
@@ -48,9 +48,9 @@ struct ClipImageInfo {
 // The content as first captured, kept while the user's edit stands in for it.
 struct ClipOriginal {
     ClipKind kind = ClipKind::text;
-    std::optional<std::string> text;
-    std::optional<Bytes> rtf;
-    std::optional<Bytes> html;
+    std::optional<std::string> text{};
+    std::optional<Bytes> rtf{};
+    std::optional<Bytes> html{};
 
     friend bool operator==(const ClipOriginal&, const ClipOriginal&) = default;
 };
@@ -58,21 +58,21 @@ struct ClipOriginal {
 // What a new copy holds, as capture hands it over.
 struct ClipContent {
     ClipKind kind = ClipKind::text;
-    std::optional<std::string> text;
-    std::optional<Bytes> rtf;
-    std::optional<Bytes> html;
-    std::optional<std::vector<std::string>> filePaths;
-    std::optional<ClipImageInfo> image;
-    std::optional<std::string> linkTitle;
-    std::optional<std::string> colorHex;
+    std::optional<std::string> text{};
+    std::optional<Bytes> rtf{};
+    std::optional<Bytes> html{};
+    std::optional<std::vector<std::string>> filePaths{};
+    std::optional<ClipImageInfo> image{};
+    std::optional<std::string> linkTitle{};
+    std::optional<std::string> colorHex{};
 
     friend bool operator==(const ClipContent&, const ClipContent&) = default;
 };
 
 // The application that owned a copy.
 struct ClipSource {
-    std::optional<std::string> appID;
-    std::optional<std::string> appName;
+    std::optional<std::string> appID{};
+    std::optional<std::string> appName{};
 
     friend bool operator==(const ClipSource&, const ClipSource&) = default;
 };
@@ -99,29 +99,29 @@ struct TextCounts {
 };
 
 struct ClipItem {
-    Uuid id;
+    Uuid id{};
     ClipKind kind = ClipKind::text;
-    std::optional<std::string> text;
-    std::optional<Bytes> rtf;
-    std::optional<Bytes> html;
-    std::optional<std::vector<std::string>> filePaths;
-    std::optional<ClipImageInfo> image;
-    std::optional<std::string> linkTitle;
-    std::optional<std::string> colorHex;
-    std::vector<ClipDetail> details;
-    std::optional<std::string> appID;
-    std::optional<std::string> appName;
-    Date date;
-    Date firstCopied;
+    std::optional<std::string> text{};
+    std::optional<Bytes> rtf{};
+    std::optional<Bytes> html{};
+    std::optional<std::vector<std::string>> filePaths{};
+    std::optional<ClipImageInfo> image{};
+    std::optional<std::string> linkTitle{};
+    std::optional<std::string> colorHex{};
+    std::vector<ClipDetail> details{};
+    std::optional<std::string> appID{};
+    std::optional<std::string> appName{};
+    Date date{};
+    Date firstCopied{};
     std::int64_t timesCopied = 1;
     std::int64_t timesPasted = 0;
-    std::optional<Date> lastPasted;
-    std::optional<std::string> customTitle;
-    std::optional<std::string> ocrText;
+    std::optional<Date> lastPasted{};
+    std::optional<std::string> customTitle{};
+    std::optional<std::string> ocrText{};
     bool isSensitive = false;
-    std::optional<Date> expiresAt;
-    std::string fingerprint;
-    std::optional<ClipOriginal> original;
+    std::optional<Date> expiresAt{};
+    std::string fingerprint{};
+    std::optional<ClipOriginal> original{};
 
     // A new copy captured at `captured`: a fresh id unless `id` is given, both dates the capture
     // time, copied once, never pasted, and its fingerprint computed from the content.

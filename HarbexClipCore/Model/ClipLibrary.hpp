@@ -15,11 +15,11 @@ namespace harbex {
 
 // A named board of copies, in the user's order. A copy may appear on several boards.
 struct Pinboard {
-    Uuid id;
-    std::string name;
-    std::string color;   // a colour name
-    std::string symbol;  // the name of the symbol shown for the board
-    std::vector<Uuid> itemIDs;
+    Uuid id{};
+    std::string name{};
+    std::string color{};   // a colour name
+    std::string symbol{};  // the name of the symbol shown for the board
+    std::vector<Uuid> itemIDs{};
 
     friend bool operator==(const Pinboard&, const Pinboard&) = default;
 };
@@ -29,8 +29,8 @@ struct ClipLibrary {
     static constexpr std::int64_t kCurrentVersion = 1;
 
     std::int64_t version = kCurrentVersion;
-    std::vector<ClipItem> items;  // newest first
-    std::vector<Pinboard> pinboards;
+    std::vector<ClipItem> items{};  // newest first
+    std::vector<Pinboard> pinboards{};
 
     friend bool operator==(const ClipLibrary&, const ClipLibrary&) = default;
 };
