@@ -12,8 +12,8 @@ namespace harbex {
 // the role identifiers of kImageTypes (PasteboardTypes.hpp), whatever the platform calls the
 // flavour, so that stored copies mean the same everywhere.
 struct ClipImagePayload {
-    std::string type;
-    Bytes data;
+    std::string type{};
+    Bytes data{};
 
     bool operator==(const ClipImagePayload&) const = default;
 };
@@ -22,18 +22,18 @@ struct ClipImagePayload {
 // the form both NSURL and text/uri-list give; `filePaths()` turns them into plain paths for the
 // history. Texts are as the provider gave them and may hold invalid UTF-8: detection sanitises.
 struct PasteboardSnapshot {
-    std::vector<std::string> types;  // as the platform declared them, in its order
-    std::optional<std::string> string;
-    std::optional<Bytes> rtf;
-    std::optional<Bytes> html;
-    std::vector<std::string> fileURLs;
-    std::optional<std::string> url;  // only read when there is no plain text
-    std::optional<std::string> urlTitle;
-    std::optional<ClipImagePayload> image;  // only read when there is neither text nor a file
-    std::optional<std::string> sourceID;
+    std::vector<std::string> types{};  // as the platform declared them, in its order
+    std::optional<std::string> string{};
+    std::optional<Bytes> rtf{};
+    std::optional<Bytes> html{};
+    std::vector<std::string> fileURLs{};
+    std::optional<std::string> url{};  // only read when there is no plain text
+    std::optional<std::string> urlTitle{};
+    std::optional<ClipImagePayload> image{};  // only read when there is neither text nor a file
+    std::optional<std::string> sourceID{};
     // The value of x-kde-passwordManagerHint when declared: the marker is private only when the
     // value says "secret", so the name alone in `types` is not enough (see PrivacyMarkers.hpp).
-    std::optional<std::string> passwordManagerHint;
+    std::optional<std::string> passwordManagerHint{};
 
     // The local paths of `fileURLs`, in order; remote and non-file URLs are left out.
     std::vector<std::string> filePaths() const;
@@ -43,12 +43,12 @@ struct PasteboardSnapshot {
 
 // What one write puts on the pasteboard.
 struct ClipPayload {
-    std::optional<std::string> text;
-    std::optional<Bytes> rtf;
-    std::optional<Bytes> html;
-    std::optional<std::string> url;
-    std::vector<std::string> fileURLs;  // absolute file URL strings, as in PasteboardSnapshot
-    std::optional<ClipImagePayload> image;
+    std::optional<std::string> text{};
+    std::optional<Bytes> rtf{};
+    std::optional<Bytes> html{};
+    std::optional<std::string> url{};
+    std::vector<std::string> fileURLs{};  // absolute file URL strings, as in PasteboardSnapshot
+    std::optional<ClipImagePayload> image{};
     bool concealed = false;  // mark the copy so that clipboard tools skip it
 
     bool operator==(const ClipPayload&) const = default;

@@ -25,15 +25,16 @@ std::optional<PasteboardSnapshot> MemoryPasteboard::snapshot() {
     snapshot.passwordManagerHint = readString(kPasswordManagerHintType);
     if (auto list = readString(kFileUrlType)) snapshot.fileURLs = urlsFromUriList(*list);
     snapshot.string = readString(kPlainTextType);
-    snapshot.rtf = read(kRtfType);
-    snapshot.html = read(kHtmlType);
+    snapshot.rtf = readDeclared(kRtfType);
+    snapshot.html = readDeclared(kHtmlType);
     if (!snapshot.string) snapshot.url = readString(kUrlType);
     snapshot.urlTitle = readString(kUrlTitleType);
     if (snapshot.fileURLs.empty() && !snapshot.string) {
         // The first image type on offer is the one read, even when its provider then fails.
         for (std::string_view type : kImageTypes) {
             if (!find(type)) continue;
-            if (auto data = read(type)) snapshot.image = ClipImagePayload{std::string(type), *data};
+            if (auto data = readDeclared(type))
+                snapshot.image = ClipImagePayload{std::string(type), *data};
             break;
         }
     }
@@ -83,14 +84,20 @@ const MemoryPasteboard::Flavour* MemoryPasteboard::find(std::string_view type) c
 }
 
 std::optional<Bytes> MemoryPasteboard::read(std::string_view type) {
-    const Flavour* flavour = find(type);
-    if (!flavour) return std::nullopt;
+    // Every ask is recorded, declared or not: asking for an undeclared flavour is the fault the
+    // record exists to catch (a lazy provider would produce it).
     requested_.emplace_back(type);
-    return flavour->data;
+    const Flavour* flavour = find(type);
+    return flavour ? flavour->data : std::nullopt;
+}
+
+std::optional<Bytes> MemoryPasteboard::readDeclared(std::string_view type) {
+    if (!find(type)) return std::nullopt;
+    return read(type);
 }
 
 std::optional<std::string> MemoryPasteboard::readString(std::string_view type) {
-    auto data = read(type);
+    auto data = readDeclared(type);
     if (!data) return std::nullopt;
     return stringOf(*data);
 }

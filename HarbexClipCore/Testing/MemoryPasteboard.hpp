@@ -56,8 +56,10 @@ public:
 
 private:
     const Flavour* find(std::string_view type) const;
-    // The data of a declared flavour, recorded as requested; nothing when undeclared.
+    // Asks the owner for a flavour's data and records the request.
     std::optional<Bytes> read(std::string_view type);
+    // Reads only a declared flavour, as a real reader that first looks at the offered types.
+    std::optional<Bytes> readDeclared(std::string_view type);
     std::optional<std::string> readString(std::string_view type);
     void put(std::string_view type, Bytes data);
 
