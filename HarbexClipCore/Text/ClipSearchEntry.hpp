@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "HarbexClipCore/Model/ClipKind.hpp"
+#include "HarbexClipCore/Support/Date.hpp"
+#include "HarbexClipCore/Support/Uuid.hpp"
+#include "HarbexClipCore/Text/FoldedText.hpp"
+
+namespace harbex {
+
+struct ClipItem;
+
+// One copy made ready for searching: its texts folded once, when the copy arrives or changes,
+// so that each keystroke only compares. Thread: any (a value).
+struct ClipSearchEntry {
+    // No more than this many characters of the text and of the recognised text are searched.
+    static constexpr std::size_t kSearchedCharacters = 20'000;
+
+    Uuid id;
+    ClipKind kind = ClipKind::text;
+    Date date;  // when last copied: newer copies list first among equal scores
+    FoldedText title;
+    // The text, the link title, the recognised text and the file paths, one per line.
+    FoldedText body;
+    FoldedText appName;
+    // The source application's bundle identifier as captured, for the application filter; never
+    // scored.
+    std::optional<std::string> appID;
+
+    // Thread: any. Cost grows with the texts (at most 20,000 characters each of text and
+    // recognised text).
+    static ClipSearchEntry make(const ClipItem& item);
+
+    // Bytes held on the heap beyond the entry itself.
+    std::size_t heapBytes() const;
+
+    friend bool operator==(const ClipSearchEntry&, const ClipSearchEntry&) = default;
+};
+
+}  // namespace harbex

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "HarbexClipCore/Support/Calendar.hpp"
+#include "HarbexClipCore/Support/Date.hpp"
+#include "HarbexClipCore/Support/Uuid.hpp"
+#include "HarbexClipCore/Text/ClipFilter.hpp"
+#include "HarbexClipCore/Text/ClipSearchEntry.hpp"
+#include "HarbexClipCore/Text/ClipTimeWord.hpp"
+
+namespace harbex {
+
+struct ClipItem;
+
+// What the user asked for: the query as typed (time word included) and the filters around it.
+struct ClipSearchRequest {
+    std::string query;
+    ClipFilter filter = ClipFilter::all;
+    std::optional<std::string> appID;  // only copies from this application, by bundle identifier
+
+    friend bool operator==(const ClipSearchRequest&, const ClipSearchRequest&) = default;
+};
+
+struct ClipSearchResult {
+    Uuid id;
+    std::int64_t score = 0;
+    Date date;
+
+    friend bool operator==(const ClipSearchResult&, const ClipSearchResult&) = default;
+};
+
+struct ClipSearchOutcome {
+    // Highest score first; among equal scores the newest copy first.
+    std::vector<ClipSearchResult> results;
+    std::optional<ClipTimeWord> timeWord;
+    std::optional<ClipDateRange> range;
+
+    friend bool operator==(const ClipSearchOutcome&, const ClipSearchOutcome&) = default;
+};
+
+// The search entries of the whole history, kept in step with it, and the search over them.
+// While the user keeps typing (each word of the new query extends the word in the same place
+// of the last one, and the filters and range are unchanged) only the last query's matches are
+// scored again: a longer word never matches where its beginning did not.
+// Thread: one at a time, the owner's (the main thread in the application).
+class ClipSearchIndex {
+public:
+    // Replaces every entry with ones made from `items`.
+    void rebuild(const std::vector<ClipItem>& items);
+    // Adds the item's entry, or replaces the one with the same id.
+    void put(const ClipItem& item);
+    // Drops the entry with this id; nothing happens when there is none.
+    void remove(const Uuid& id);
+    void clear();
+
+    std::size_t size() const { return entries_.size(); }
+    const ClipSearchEntry* entry(const Uuid& id) const;
+
+    // The copies that match `request` at `now`. `pinned` holds the ids the `pinned` filter
+    // takes (pinned copies and those on pinboards; see `pinnedOrOnPinboard`). The calendar
+    // places time words in the user's zone and week.
+    ClipSearchOutcome search(const ClipSearchRequest& request,
+                             const std::unordered_set<Uuid>& pinned, Date now,
+                             const Calendar& calendar);
+
+    // Makes the next search score every entry (for measuring, and after outside changes).
+    void forgetPreviousQuery() { previous_.reset(); }
+
+    // Heap bytes held by the entries' texts, for measuring.
+    std::size_t textBytes() const;
+
+private:
+    struct PreviousQuery {
+        std::vector<std::string> words;
+        ClipFilter filter = ClipFilter::all;
+        std::optional<std::string> appID;
+        std::optional<ClipDateRange> range;
+        std::vector<std::uint32_t> matches;  // positions in `entries_`
+    };
+
+    std::vector<ClipSearchEntry> entries_;
+    std::unordered_map<Uuid, std::size_t> positions_;
+    std::optional<PreviousQuery> previous_;
+};
+
+}  // namespace harbex

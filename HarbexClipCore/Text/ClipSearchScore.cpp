@@ -1,0 +1,195 @@
+#include "HarbexClipCore/Text/ClipSearchScore.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#include "HarbexClipCore/Text/ClipSearchEntry.hpp"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace harbex {
+
+namespace {
+
+constexpr std::size_t kScatterReach = 2000;  // characters of the text a scattered match may use
+constexpr std::size_t kGapLimit = 9;         // this many skipped characters end a scattered match
+constexpr std::size_t kFarDistance = 1010;
+
+// The first occurrence of `needle` (at least two bytes) in `haystack`. Sixteen positions at a
+// time are checked for the needle's first and last bytes, and only those candidates compared
+// in full: bodies run to tens of kilobytes and most of them are searched on every keystroke.
+std::size_t findBytes(std::string_view haystack, std::string_view needle) {
+    const std::size_t m = needle.size();
+    const std::size_t n = haystack.size();
+    if (m > n) return std::string_view::npos;
+    const char* h = haystack.data();
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    const __m128i first = _mm_set1_epi8(needle[0]);
+    const __m128i last = _mm_set1_epi8(needle[m - 1]);
+    for (; i + m - 1 + 16 <= n; i += 16) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i + m - 1));
+        auto candidates = static_cast<unsigned>(
+            _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
+        while (candidates != 0) {
+            const auto bit = static_cast<std::size_t>(__builtin_ctz(candidates));
+            if (std::memcmp(h + i + bit + 1, needle.data() + 1, m - 2) == 0) return i + bit;
+            candidates &= candidates - 1;
+        }
+    }
+#endif
+    for (; i + m <= n; ++i) {
+        if (h[i] == needle[0] && h[i + m - 1] == needle[m - 1] &&
+            std::memcmp(h + i + 1, needle.data() + 1, m - 2) == 0) {
+            return i;
+        }
+    }
+    return std::string_view::npos;
+}
+
+std::size_t find(std::string_view haystack, std::string_view needle) {
+    if (needle.size() == 1) {
+        const void* at = std::memchr(haystack.data(), needle[0], haystack.size());
+        return at ? static_cast<std::size_t>(static_cast<const char*>(at) - haystack.data())
+                  : std::string_view::npos;
+    }
+    return findBytes(haystack, needle);
+}
+
+int scatteredScore(std::size_t gaps) { return std::max(20, 200 - 15 * static_cast<int>(gaps)); }
+
+// Both texts ASCII: a character is a byte.
+std::optional<int> scatteredAscii(std::string_view word, std::string_view text) {
+    const std::size_t limit = std::min(text.size(), kScatterReach);
+    const void* at = std::memchr(text.data(), word[0], limit);
+    if (!at) return std::nullopt;
+    std::size_t position = static_cast<std::size_t>(static_cast<const char*>(at) - text.data());
+    std::size_t gaps = 0;
+    for (std::size_t k = 1; k < word.size(); ++k) {
+        std::size_t skipped = 0;
+        ++position;
+        while (true) {
+            if (position >= limit) return std::nullopt;
+            if (text[position] == word[k]) break;
+            if (++skipped >= kGapLimit) return std::nullopt;
+            ++position;
+        }
+        gaps += skipped;
+    }
+    return scatteredScore(gaps);
+}
+
+std::optional<int> scatteredTokens(const std::vector<std::uint32_t>& word, std::string_view text) {
+    std::size_t offset = 0;
+    std::size_t seen = 0;
+    const auto next = [&](std::uint32_t& token) {
+        if (seen == kScatterReach || offset >= text.size()) return false;
+        ++seen;
+        token = folded::nextToken(text, offset);
+        return true;
+    };
+    std::uint32_t token = 0;
+    do {
+        if (!next(token)) return std::nullopt;
+    } while (token != word[0]);
+    std::size_t gaps = 0;
+    for (std::size_t k = 1; k < word.size(); ++k) {
+        std::size_t skipped = 0;
+        while (true) {
+            if (!next(token)) return std::nullopt;
+            if (token == word[k]) break;
+            if (++skipped >= kGapLimit) return std::nullopt;
+        }
+        gaps += skipped;
+    }
+    return scatteredScore(gaps);
+}
+
+int insideScore(std::size_t distance) {
+    if (distance >= kFarDistance) return 300;
+    return 400 - static_cast<int>(distance / 10);
+}
+
+}  // namespace
+
+ClipSearchWord::ClipSearchWord(FoldedText folded) : folded_(std::move(folded)) {
+    const std::string_view bytes = folded_.bytes();
+    for (std::size_t offset = 0; offset < bytes.size();) {
+        characters_.push_back(folded::nextToken(bytes, offset));
+    }
+}
+
+ClipSearchQuery ClipSearchQuery::make(std::string_view query) {
+    ClipSearchQuery out;
+    const FoldedText folded = FoldedText::fold(query);
+    const std::string_view bytes = folded.bytes();
+    // A space byte is always a whole character in folded text.
+    std::size_t start = 0;
+    while (start <= bytes.size()) {
+        std::size_t end = bytes.find(' ', start);
+        if (end == std::string_view::npos) end = bytes.size();
+        if (end > start) {
+            out.words.emplace_back(folded.slice(start, end - start));
+        }
+        start = end + 1;
+    }
+    return out;
+}
+
+std::optional<int> wordScore(const ClipSearchWord& word, const FoldedText& text) {
+    const std::string_view q = word.folded().bytes();
+    const std::string_view t = text.bytes();
+    if (q.empty() || t.empty()) return std::nullopt;
+    // Every way of matching needs each of the word's characters somewhere in the text.
+    if ((word.folded().characterMask() & ~text.characterMask()) != 0) return std::nullopt;
+    if (t.size() >= q.size() && t.compare(0, q.size(), q) == 0) {
+        return t.size() == q.size() ? 1000 : 800;
+    }
+    if (const std::size_t at = find(t, q); at != std::string_view::npos) {
+        // `at` > 0, since a match at the start is a prefix.
+        std::size_t previous = at - 1;
+        while (previous > 0 &&
+               folded::isContinuationByte(static_cast<unsigned char>(t[previous]))) {
+            --previous;
+        }
+        std::size_t cursor = previous;
+        if (!folded::isLetterOrDigit(folded::nextToken(t, cursor))) return 600;
+        if (text.isAscii()) return insideScore(at);
+        return insideScore(folded::characterCount(t.substr(0, at)));
+    }
+    if (word.characters().size() < 2) return std::nullopt;
+    if (text.isAscii() && word.folded().isAscii()) return scatteredAscii(q, t);
+    return scatteredTokens(word.characters(), t);
+}
+
+std::optional<int> wordScore(const FoldedText& word, const FoldedText& text) {
+    return wordScore(ClipSearchWord(word), text);
+}
+
+std::optional<std::int64_t> entryScore(const ClipSearchQuery& query, const ClipSearchEntry& entry) {
+    std::int64_t total = 0;
+    for (const ClipSearchWord& word : query.words) {
+        int best = -1;
+        if (auto score = wordScore(word, entry.title)) best = 3 * *score;
+        // A field is scored only when it could beat the best so far: the application name gives
+        // at most 2,000 and the body at most 1,000, and the body is the long one.
+        if (best < 2000) {
+            if (auto score = wordScore(word, entry.appName)) best = std::max(best, 2 * *score);
+        }
+        if (best < 1000) {
+            if (auto score = wordScore(word, entry.body)) best = std::max(best, *score);
+        }
+        if (best < 0) return std::nullopt;
+        total += best;
+    }
+    return total;
+}
+
+std::optional<std::int64_t> entryScore(std::string_view query, const ClipSearchEntry& entry) {
+    return entryScore(ClipSearchQuery::make(query), entry);
+}
+
+}  // namespace harbex
