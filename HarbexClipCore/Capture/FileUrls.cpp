@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "HarbexClipCore/Support/Url.hpp"
+
 namespace harbex {
 namespace {
 
@@ -127,19 +129,6 @@ std::string uriListFromUrls(const std::vector<std::string>& urls) {
     return list;
 }
 
-bool parsesAsUrl(std::string_view text) {
-    const auto colon = text.find(':');
-    if (colon == 0 || colon == std::string_view::npos || colon + 1 == text.size()) return false;
-    auto isAlpha = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-    if (!isAlpha(text[0])) return false;
-    for (char c : text.substr(1, colon - 1)) {
-        if (!isAlpha(c) && !(c >= '0' && c <= '9') && c != '+' && c != '-' && c != '.')
-            return false;
-    }
-    for (unsigned char c : text) {
-        if (c <= 0x20 || c == 0x7F) return false;
-    }
-    return true;
-}
+bool parsesAsUrl(std::string_view text) { return Url::parse(text).has_value(); }
 
 }  // namespace harbex

@@ -27,8 +27,8 @@ std::vector<std::string> urlsFromUriList(std::string_view uriList);
 // A text/uri-list: each URL followed by CR LF.
 std::string uriListFromUrls(const std::vector<std::string>& urls);
 
-// Whether a pasteboard writer may put `text` on the pasteboard as a URL: an RFC 3986 scheme,
-// then at least one character, and no white space or control characters anywhere.
+// Whether a pasteboard writer may put `text` on the pasteboard as a URL: an absolute URL that
+// Url::parse accepts (a text that does not parse is dropped from the write).
 bool parsesAsUrl(std::string_view text);
 
 }  // namespace harbex
