@@ -158,9 +158,7 @@ std::expected<Bytes, ClipStoreError> sealFile(const SealKey& key,
 std::expected<Bytes, ClipStoreError> openFile(const SealKey& key,
                                               std::span<const std::uint8_t> sealed,
                                               std::string_view associated) {
-    if (sealed.size() < kSealedMinimumSize || sealed[0] != kSealedFormatVersion) {
-        return std::unexpected(ClipStoreError::badFormat());
-    }
+    if (!hasSealedForm(sealed)) return std::unexpected(ClipStoreError::badFormat());
     auto plain = openCombined(key, sealed.subspan(1), viewOf(associated));
     if (!plain) return std::unexpected(ClipStoreError::cannotOpen());
     return std::move(*plain);

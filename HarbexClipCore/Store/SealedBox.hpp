@@ -56,6 +56,12 @@ std::expected<Bytes, ClipStoreError> sealFile(const SealKey& key,
                                               std::span<const std::uint8_t> plain,
                                               std::string_view associated);
 
+// Whether `sealed` is long enough and of the one known version: the check that precedes getting
+// the key, so a file of the wrong form never reaches the keyring.
+inline bool hasSealedForm(std::span<const std::uint8_t> sealed) {
+    return sealed.size() >= kSealedMinimumSize && sealed[0] == kSealedFormatVersion;
+}
+
 // Opens a whole sealed file: badFormat unless the first byte is 1 and it is at least 30 bytes
 // long; cannotOpen for any failure of the cipher (wrong key, wrong associated data, altered bytes).
 std::expected<Bytes, ClipStoreError> openFile(const SealKey& key,
