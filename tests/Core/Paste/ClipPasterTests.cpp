@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -97,6 +98,8 @@ struct StepCase {
     PasteOutcome outcome;
     Journal steps;  // journal right after paste returns
 };
+
+void PrintTo(const StepCase& c, std::ostream* out) { *out << c.name; }
 
 class ClipPasterStepTests : public testing::TestWithParam<StepCase> {};
 

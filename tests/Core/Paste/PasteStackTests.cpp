@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ struct JoinCase {
     Separator separator;
     std::string expected;
 };
+
+void PrintTo(const JoinCase& c, std::ostream* out) { *out << c.name; }
 
 class PasteStackJoinTests : public testing::TestWithParam<JoinCase> {};
 
