@@ -1,5 +1,7 @@
 #include "HarbexClipCore/Settings/ClipSettings.hpp"
 
+#include <cmath>
+
 namespace harbex {
 
 namespace {
@@ -148,7 +150,11 @@ JsonStatus decodeJson(const JsonValue& json, ClipSettings& out) {
     reader.read("excludedApps", value.excludedApps);
     reader.read("skipPasswordManagers", value.skipPasswordManagers);
     reader.read("detectSensitive", value.detectSensitive);
-    reader.read("sensitiveLifetime", value.sensitiveLifetime);
+    // 1e400 parses as infinity, which could never be saved again: keep the default instead.
+    if (double lifetime = 0;
+        reader.read("sensitiveLifetime", lifetime) && std::isfinite(lifetime)) {
+        value.sensitiveLifetime = lifetime;
+    }
     reader.read("hideFromScreenSharing", value.hideFromScreenSharing);
     readOptional(reader, "pausedUntil", value.pausedUntil);
     reader.read("panel", value.panel);

@@ -39,17 +39,6 @@ TEST(ClipSettingsStoreTests, SavedSettingsLoadBackAndReplaceTheWholeRecord) {
     EXPECT_EQ(ClipSettingsStore::load(defaults), second);
 }
 
-TEST(ClipSettingsStoreTests, OneBadFieldCostsOnlyThatField) {
-    MemoryDefaults defaults;
-    defaults.setData(
-        "clipSettings",
-        bytesOf(R"({"maxItems":"lots","retention":"year","panel":{"fallback":null}})"));
-    ClipSettings expected;
-    expected.retention = ClipRetention::year;
-    expected.panel.fallback.reset();
-    EXPECT_EQ(ClipSettingsStore::load(defaults), expected);
-}
-
 TEST(ClipSettingsStoreTests, ARecordThatCannotBeWrittenLeavesThePreviousOne) {
     MemoryDefaults defaults;
     ClipSettings previous;

@@ -94,6 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
         LenientCase{"IntegersFromWholeAndFractionalNumbers",
                     R"({"maxItems":500.0,"imageLimit":2.5})",
                     [](ClipSettings& s) { s.maxItems = 500; }},
+        LenientCase{"LifetimeOverflowingToInfinity", R"({"sensitiveLifetime":1e400})",
+                    [](ClipSettings&) {}},
         LenientCase{"ListWithANonString", R"({"excludedApps":["a",2]})", [](ClipSettings&) {}},
         LenientCase{"NullsForPlainFields", R"({"showsInDock":null,"maxItems":null})",
                     [](ClipSettings&) {}},
