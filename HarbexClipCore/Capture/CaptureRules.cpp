@@ -9,6 +9,17 @@
 
 namespace harbex {
 
+CaptureRuleSettings CaptureRuleSettings::from(const ClipSettings& settings) {
+    CaptureRuleSettings rules;
+    rules.excludedApps = settings.excludedApps;
+    rules.skipPasswordManagers = settings.skipPasswordManagers;
+    rules.pausedUntil = settings.pausedUntil;
+    rules.keptKinds.assign(settings.keptKinds.begin(), settings.keptKinds.end());
+    rules.ignoresShortCopies = settings.ignoresShortCopies;
+    rules.minimumLength = settings.window.minimumLength;
+    return rules;
+}
+
 std::optional<SkipReason> skipBeforeReading(const DeclaredCopy& copy,
                                             const CaptureRuleSettings& settings, Date now,
                                             CaptureMode mode) {

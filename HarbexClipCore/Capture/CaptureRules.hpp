@@ -9,6 +9,7 @@
 
 #include "HarbexClipCore/Capture/SkipReason.hpp"
 #include "HarbexClipCore/Model/ClipKind.hpp"
+#include "HarbexClipCore/Settings/ClipSettings.hpp"
 #include "HarbexClipCore/Support/Date.hpp"
 
 namespace harbex {
@@ -26,6 +27,9 @@ struct CaptureRuleSettings {
                                     ClipKind::image};
     bool ignoresShortCopies = false;
     std::int64_t minimumLength = 0;
+
+    // The fields of the user's settings record.
+    static CaptureRuleSettings from(const ClipSettings& settings);
 
     bool operator==(const CaptureRuleSettings&) const = default;
 };

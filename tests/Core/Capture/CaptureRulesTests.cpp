@@ -212,5 +212,24 @@ TEST(CaptureRulesTests, KindAndLengthRulesAfterDetection) {
     }
 }
 
+TEST(CaptureRulesTests, RuleSettingsComeFromTheSettingsRecord) {
+    EXPECT_EQ(CaptureRuleSettings::from(ClipSettings::defaults()), CaptureRuleSettings{})
+        << "the rules' defaults are the settings' defaults";
+    ClipSettings settings;
+    settings.excludedApps = {"org.example.a"};
+    settings.skipPasswordManagers = false;
+    settings.pausedUntil = kNow;
+    settings.keptKinds = {ClipKind::code, ClipKind::text};
+    settings.ignoresShortCopies = true;
+    settings.window.minimumLength = 7;
+    const auto rules = CaptureRuleSettings::from(settings);
+    EXPECT_EQ(rules.excludedApps, settings.excludedApps);
+    EXPECT_FALSE(rules.skipPasswordManagers);
+    EXPECT_EQ(rules.pausedUntil, kNow);
+    EXPECT_EQ(rules.keptKinds, (std::vector<ClipKind>{ClipKind::text, ClipKind::code}));
+    EXPECT_TRUE(rules.ignoresShortCopies);
+    EXPECT_EQ(rules.minimumLength, 7);
+}
+
 }  // namespace
 }  // namespace harbex
