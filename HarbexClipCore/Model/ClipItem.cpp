@@ -27,13 +27,6 @@ bool isSpaceOrTab(char32_t c) {
     return u_charType(static_cast<UChar32>(c)) == U_SPACE_SEPARATOR;
 }
 
-bool isSpaceOrLineBreak(char32_t c) {
-    if (isSpaceOrTab(c) || isLineSeparator(c)) return true;
-    if (c < 0x80) return false;
-    const auto type = u_charType(static_cast<UChar32>(c));
-    return type == U_LINE_SEPARATOR || type == U_PARAGRAPH_SEPARATOR;
-}
-
 // Decodes one code point without moving, for trimming from either end.
 char32_t codePointAt(std::string_view text, std::size_t offset, std::size_t& next) {
     next = offset;
@@ -101,17 +94,53 @@ std::int64_t lineCount(std::string_view text) {
     return lines;
 }
 
+// The first line that is not blank, trimmed, at most 160 characters, looking only at the first
+// 4,000 characters. Works forwards from the start so that it reads the blank lines before the
+// title and about 160 characters of it, not the whole window. Line separators and spaces are
+// single characters (grapheme breaks always surround controls and space separators), so they
+// are counted one a code point.
 std::string firstLineTitle(std::string_view text) {
-    const std::string_view prefix = characterPrefix(text, kTitleScanCharacters);
-    std::optional<std::string_view> line;
-    forEachLine(prefix, [&](std::string_view piece) {
-        const std::string_view candidate = trimmed(piece, isSpaceOrTab);
-        if (candidate.empty()) return false;
-        line = candidate;
-        return true;
-    });
-    const std::string_view chosen = line ? *line : trimmed(prefix, isSpaceOrLineBreak);
-    return std::string(characterPrefix(chosen, kTitleCharacters));
+    std::size_t used = 0;  // characters before `offset`
+    std::size_t offset = 0;
+    while (offset < text.size() && used < kTitleScanCharacters) {
+        std::size_t next = offset;
+        const char32_t c = nextCodePoint(text, next);
+        if (isLineSeparator(c) || isSpaceOrTab(c)) {
+            if (c == U'\r' && next < text.size() && text[next] == '\n') ++next;
+            ++used;
+            offset = next;
+            continue;
+        }
+        // The first visible character: its line is the title.
+        const std::size_t budget = kTitleScanCharacters - used;
+        std::string_view line =
+            characterPrefix(text.substr(offset), std::min(budget, kTitleCharacters + 1));
+        std::size_t lineEnd = 0;
+        while (lineEnd < line.size()) {
+            std::size_t after = lineEnd;
+            if (isLineSeparator(nextCodePoint(line, after))) break;
+            lineEnd = after;
+        }
+        line = line.substr(0, lineEnd);
+        const std::string_view head = characterPrefix(line, kTitleCharacters);
+        if (head.size() == line.size()) return std::string(trimmed(line, isSpaceOrTab));
+        // Longer than a title: trailing spaces matter only when nothing but spaces follows them
+        // on the line (within the window).
+        std::size_t restUsed = used + kTitleCharacters;
+        std::size_t rest = offset + head.size();
+        while (rest < text.size() && restUsed < kTitleScanCharacters) {
+            std::size_t after = rest;
+            const char32_t r = nextCodePoint(text, after);
+            if (isLineSeparator(r)) break;
+            if (!isSpaceOrTab(r)) return std::string(head);
+            ++restUsed;
+            rest = after;
+        }
+        return std::string(trimmed(head, isSpaceOrTab));
+    }
+    // Nothing visible in the window. The whole window trimmed of white space and line breaks
+    // would be empty too: it holds nothing but line separators, spaces and tabs.
+    return {};
 }
 
 std::string_view lastPathComponent(std::string_view path) {

@@ -18,7 +18,19 @@ JsonResult<JsonValue> parseJson(std::string_view text) {
     return value;
 }
 
-std::string serializeJson(const JsonValue& value) { return boost::json::serialize(value); }
+// Through a fixed buffer, appended piece by piece: boost::json::serialize grows its string by
+// resizing (zero-filling) and copying, which measured 25 times slower on a 12 MB history.
+std::string serializeJson(const JsonValue& value) {
+    boost::json::serializer serializer;
+    serializer.reset(&value);
+    std::string out;
+    char buffer[16384];
+    while (!serializer.done()) {
+        const auto piece = serializer.read(buffer, sizeof buffer);
+        out.append(piece.data(), piece.size());
+    }
+    return out;
+}
 
 namespace {
 JsonValue sortedCopy(const JsonValue& value) {
@@ -44,9 +56,7 @@ JsonValue sortedCopy(const JsonValue& value) {
 }
 }  // namespace
 
-std::string serializeJsonSorted(const JsonValue& value) {
-    return boost::json::serialize(sortedCopy(value));
-}
+std::string serializeJsonSorted(const JsonValue& value) { return serializeJson(sortedCopy(value)); }
 
 JsonError prefixJsonError(JsonError error, std::string_view key) {
     std::string path(key);

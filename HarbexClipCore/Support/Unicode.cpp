@@ -4,6 +4,7 @@
 #include <unicode/utext.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace harbex {
@@ -42,9 +43,11 @@ struct Utf8Text {
 
 // Where the ASCII fast path must stop: the first non-ASCII byte, backed up one byte, since a
 // combining mark joins the character before it.
-std::size_t safeAsciiRun(std::string_view text) {
+// Looks at no more than `limit` bytes, so that a prefix of a huge text costs what the prefix does.
+std::size_t safeAsciiRun(std::string_view text, std::size_t limit = std::string_view::npos) {
+    const std::size_t end = std::min(text.size(), limit);
     std::size_t i = 0;
-    while (i < text.size() && isAscii(static_cast<unsigned char>(text[i]))) ++i;
+    while (i < end && isAscii(static_cast<unsigned char>(text[i]))) ++i;
     if (i < text.size() && i > 0) --i;
     return i;
 }
@@ -98,8 +101,10 @@ void appendUtf8(std::string& out, char32_t codePoint) {
 }
 
 std::size_t characterPrefixLength(std::string_view text, std::size_t count) {
-    // ASCII: one byte a character, except that CR LF is a single character.
-    const std::size_t run = safeAsciiRun(text);
+    // ASCII: one byte a character, except that CR LF is a single character. `count` characters
+    // take at most 2 * count bytes; one more settles the last boundary.
+    const std::size_t run =
+        safeAsciiRun(text, count < text.size() / 2 ? 2 * count + 2 : std::string_view::npos);
     std::size_t i = 0;
     std::size_t seen = 0;
     while (i < run && seen < count) {
