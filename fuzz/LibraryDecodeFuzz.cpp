@@ -1,0 +1,37 @@
+// Arbitrary bytes as a stored history document: parsing and strict decoding must fail cleanly or
+// give a library that encodes and decodes back to itself, and the derived texts of every item
+// must be computable.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "HarbexClipCore/Model/ClipHistory.hpp"
+#include "HarbexClipCore/Model/ClipLibrary.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace harbex;
+    const auto json = parseJson(std::string_view(reinterpret_cast<const char*>(data), size));
+    if (!json) return 0;
+    ClipLibrary library;
+    if (!decodeJson(*json, library)) return 0;
+
+    for (const auto& item : library.items) {
+        (void)item.title();
+        (void)item.subtitle();
+        (void)item.host();
+        if (item.text) (void)TextCounts::of(*item.text);
+    }
+    const auto again = parseJson(serializeJson(encodeJson(library)));
+    ClipLibrary decoded;
+    // NaN never reaches a record (decoding refuses non-finite dates), so equality must hold.
+    if (!again || !decodeJson(*again, decoded) || !(decoded == library)) std::abort();
+
+    ClipHistory history(std::move(library));
+    for (const auto& item : history.items()) {
+        if (!history.item(item.id)) std::abort();
+    }
+    (void)history.prune(Date{800'000'000}, ClipRetention::month, 50, {});
+    return 0;
+}
