@@ -152,12 +152,5 @@ TEST(ClipModifierTapTests, HeldKeepsOnlyTheFiveModifierBits) {
     EXPECT_TRUE(Held(32).isEmpty());
 }
 
-TEST(ClipModifierTapTests, UsesTheApplicationLimitsByDefault) {
-    const ClipModifierTap tap(Held::command());
-    EXPECT_EQ(tap.maxPress, 0.25);
-    EXPECT_EQ(tap.maxGap, 0.3);
-    EXPECT_EQ(tap.state, State::idle());
-}
-
 }  // namespace
 }  // namespace harbex
