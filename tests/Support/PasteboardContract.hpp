@@ -83,6 +83,25 @@ TEST_P(ClipPasteboardContract, NothingDeclaredGivesNoSnapshot) {
     EXPECT_FALSE(pasteboard().snapshot().has_value());
 }
 
+TEST_P(ClipPasteboardContract, TypesComeInTheOwnersOrderWithoutReadingContents) {
+    harness_->copyFromAnotherApp({PasteboardFlavour::text(kHtmlType, "<p>x</p>"),
+                                  PasteboardFlavour::text(kPlainTextType, "x"),
+                                  PasteboardFlavour::text(kSourceType, "org.example.app")});
+    const auto types = pasteboard().types();
+    const std::vector<std::string> expected{harness_->declaredName(kHtmlType),
+                                            harness_->declaredName(kPlainTextType),
+                                            harness_->declaredName(kSourceType)};
+    // The platform may add its own bookkeeping targets; ours keep their relative order.
+    std::vector<std::string> ours;
+    for (const auto& type : types) {
+        if (std::ranges::find(expected, type) != expected.end()) ours.push_back(type);
+    }
+    EXPECT_EQ(ours, expected);
+    EXPECT_TRUE(harness_->requestedTypes().empty());
+    EXPECT_FALSE(pasteboard().markerValue(kPasswordManagerHintType).has_value())
+        << "an undeclared marker has no value";
+}
+
 TEST_P(ClipPasteboardContract, ChangeCountMovesOnEveryCopyAndWrite) {
     const auto start = pasteboard().changeCount();
     harness_->copyFromAnotherApp({PasteboardFlavour::text(kPlainTextType, "one")});
