@@ -1,7 +1,6 @@
 #include "HarbexClipCore/Text/ClipSearchEntry.hpp"
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
-#include "HarbexClipCore/Support/Unicode.hpp"
 
 namespace harbex {
 
@@ -10,7 +9,8 @@ namespace {
 std::string_view searchedPrefix(const std::string& text) {
     // A character takes at least one byte, so a short text needs no counting.
     if (text.size() <= ClipSearchEntry::kSearchedCharacters) return text;
-    return characterPrefix(text, ClipSearchEntry::kSearchedCharacters);
+    return std::string_view(text).substr(
+        0, FoldedText::characterPrefixLength(text, ClipSearchEntry::kSearchedCharacters));
 }
 
 void appendPiece(std::string& body, std::string_view piece) {

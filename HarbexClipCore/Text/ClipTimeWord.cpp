@@ -2,7 +2,7 @@
 
 #include <unicode/ustring.h>
 
-#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "HarbexClipCore/Support/Unicode.hpp"
@@ -59,9 +59,13 @@ LoweredQuery lowered(std::string_view query) {
 std::vector<std::pair<ClipTimeWord, std::string_view>> phrasesLongestFirst() {
     std::vector<std::pair<ClipTimeWord, std::string_view>> phrases(
         EnumNames<ClipTimeWord>::values.begin(), EnumNames<ClipTimeWord>::values.end());
-    std::stable_sort(phrases.begin(), phrases.end(), [](const auto& a, const auto& b) {
-        return a.second.size() > b.second.size();
-    });
+    // Insertion sort: stable, and std::stable_sort trips a deprecation in clang over libstdc++.
+    for (std::size_t i = 1; i < phrases.size(); ++i) {
+        for (std::size_t j = i; j > 0 && phrases[j - 1].second.size() < phrases[j].second.size();
+             --j) {
+            std::swap(phrases[j - 1], phrases[j]);
+        }
+    }
     return phrases;
 }
 

@@ -6,10 +6,13 @@
 #include <unicode/unistr.h>
 
 #include <array>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <unordered_map>
+
+#include "HarbexClipCore/Support/Unicode.hpp"
 
 namespace harbex {
 
@@ -84,16 +87,14 @@ public:
     explicit FoldedTextBuilder(std::size_t expectedBytes) { text_.bytes_.reserve(expectedBytes); }
 
     void asciiRun(std::string_view run) {
-        const std::size_t n = run.size();
-        for (std::size_t i = 0; i < n; ++i) {
-            const auto c = static_cast<unsigned char>(run[i]);
-            if (c == '\r' && i + 1 < n && run[i + 1] == '\n') {
-                token(crLfCode());
-                ++i;
-                continue;
-            }
-            text_.bytes_.push_back(static_cast<char>(kAsciiLower[c]));
-            text_.mask_ |= kAsciiBits[c];
+        // CR LF is the one pair of ASCII characters that makes a single character.
+        while (!run.empty()) {
+            std::size_t end = run.find("\r\n");
+            if (end == std::string_view::npos) end = run.size();
+            lowerAscii(run.substr(0, end));
+            if (end == run.size()) return;
+            token(crLfCode());
+            run.remove_prefix(end + 2);
         }
     }
 
@@ -116,6 +117,20 @@ public:
             out.push_back(static_cast<char>(0x80 | ((code >> 6) & 0x3F)));
         }
         out.push_back(static_cast<char>(0x80 | (code & 0x3F)));
+    }
+
+    void lowerAscii(std::string_view run) {
+        std::string& out = text_.bytes_;
+        const std::size_t base = out.size();
+        std::uint64_t mask = 0;
+        out.append(run);
+        char* target = out.data() + base;
+        for (const char c : run) {
+            const auto byte = static_cast<unsigned char>(c);
+            *target++ = static_cast<char>(kAsciiLower[byte]);
+            mask |= kAsciiBits[byte];
+        }
+        text_.mask_ |= mask;
     }
 
     FoldedText finish() {
@@ -241,17 +256,30 @@ void foldUnicode(std::string_view text, FoldedTextBuilder& builder) {
 
 bool isAsciiByte(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
+std::size_t asciiRunEnd(std::string_view text, std::size_t i) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080ull;
+    while (i + 8 <= text.size()) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + i, 8);
+        if (word & kHighBits) break;
+        i += 8;
+    }
+    while (i < text.size() && isAsciiByte(text[i])) ++i;
+    return i;
+}
+
 // Between two ASCII characters (other than CR LF) there is always a character boundary, and
-// neither normalisation nor case folding looks across it; so ASCII stretches fold on their own
-// and only the stretches around other characters go through ICU.
-void foldFast(std::string_view text, FoldedTextBuilder& builder) {
+// neither normalisation nor case folding looks across it. So text splits into ASCII runs and,
+// between them, stretches around the other characters (with an ASCII character on each side
+// that has one). Each callback returns whether to go on.
+template <class Ascii, class Other>
+void forEachPiece(std::string_view text, Ascii ascii, Other other) {
     const std::size_t n = text.size();
     std::size_t i = 0;
     while (i < n) {
-        std::size_t j = i;
-        while (j < n && isAsciiByte(text[j])) ++j;
+        const std::size_t j = asciiRunEnd(text, i);
         if (j == n) {
-            builder.asciiRun(text.substr(i));
+            ascii(text.substr(i));
             return;
         }
         std::size_t start = j;
@@ -259,15 +287,106 @@ void foldFast(std::string_view text, FoldedTextBuilder& builder) {
             --start;
             if (start > i && text[start - 1] == '\r' && text[start] == '\n') --start;
         }
-        builder.asciiRun(text.substr(i, start - i));
+        if (start > i && !ascii(text.substr(i, start - i))) return;
         std::size_t end = j + 1;
         while (end < n && !(isAsciiByte(text[end - 1]) && isAsciiByte(text[end]) &&
                             !(text[end - 1] == '\r' && text[end] == '\n'))) {
             ++end;
         }
-        foldUnicode(text.substr(start, end - start), builder);
+        if (!other(text.substr(start, end - start))) return;
         i = end;
     }
+}
+
+// How a code point folds when it stands between characters it cannot join or normalise with.
+struct CodePointFold {
+    bool standsAlone = false;
+    std::uint8_t count = 0;
+    std::array<std::uint32_t, 4> tokens{};
+};
+
+bool isPlainStarter(UChar32 c, const Normalizers& n) {
+    return u_getIntPropertyValue(c, UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_OTHER &&
+           n.nfd->hasBoundaryBefore(c) && n.nfc->hasBoundaryBefore(c);
+}
+
+std::string foldedBytes(std::string_view text) {
+    FoldedTextBuilder builder(text.size());
+    foldUnicode(text, builder);
+    return std::string(builder.finish().bytes());
+}
+
+CodePointFold computeCodePointFold(char32_t c) {
+    CodePointFold out;
+    const Normalizers& n = normalizers();
+    const auto code = static_cast<UChar32>(c);
+    // U+FFFD may stand for bad bytes, which ICU and the decoder may split differently.
+    if (c == U'\uFFFD' || !n.nfd || !n.nfc || !isPlainStarter(code, n)) return out;
+    std::string alone;
+    appendUtf8(alone, c);
+    const std::string folded = foldedBytes(alone);
+    for (std::size_t offset = 0; offset < folded.size();) {
+        const std::uint32_t token = folded::nextToken(folded, offset);
+        if (token >= folded::kFirstClusterCode || out.count == out.tokens.size() ||
+            !isPlainStarter(static_cast<UChar32>(token), n)) {
+            return out;
+        }
+        out.tokens[out.count++] = token;
+    }
+    // The same fold must come out beside letters and beside itself.
+    if (foldedBytes("a" + alone + "b") != "a" + folded + "b" ||
+        foldedBytes(alone + alone) != folded + folded) {
+        return out;
+    }
+    out.standsAlone = true;
+    return out;
+}
+
+CodePointFold codePointFold(char32_t c) {
+    thread_local std::unordered_map<char32_t, CodePointFold> cache;
+    if (auto found = cache.find(c); found != cache.end()) return found->second;
+    if (cache.size() >= 4096) cache.clear();
+    return cache.emplace(c, computeCodePointFold(c)).first->second;
+}
+
+// Most text outside ASCII is letters that fold on their own (accented Latin, CJK, Cyrillic):
+// they fold one at a time from a cache; stretches with marks, joiners, flags or Hangul jamo go
+// through ICU whole.
+void foldOther(std::string_view text, FoldedTextBuilder& builder) {
+    for (std::size_t offset = 0; offset < text.size();) {
+        if (isAsciiByte(text[offset])) {
+            ++offset;
+            continue;
+        }
+        if (!codePointFold(nextCodePoint(text, offset)).standsAlone) {
+            foldUnicode(text, builder);
+            return;
+        }
+    }
+    std::size_t offset = 0;
+    while (offset < text.size()) {
+        if (isAsciiByte(text[offset])) {
+            const std::size_t end = asciiRunEnd(text, offset);
+            builder.asciiRun(text.substr(offset, end - offset));
+            offset = end;
+            continue;
+        }
+        const CodePointFold fold = codePointFold(nextCodePoint(text, offset));
+        for (std::uint8_t i = 0; i < fold.count; ++i) builder.token(fold.tokens[i]);
+    }
+}
+
+void foldFast(std::string_view text, FoldedTextBuilder& builder) {
+    forEachPiece(
+        text,
+        [&](std::string_view run) {
+            builder.asciiRun(run);
+            return true;
+        },
+        [&](std::string_view other) {
+            foldOther(other, builder);
+            return true;
+        });
 }
 
 }  // namespace
@@ -287,6 +406,33 @@ FoldedText FoldedText::slice(std::size_t offset, std::size_t length) const {
     FoldedTextBuilder builder(part.size());
     for (std::size_t i = 0; i < part.size();) builder.token(folded::nextToken(part, i));
     return builder.finish();
+}
+
+std::size_t FoldedText::characterPrefixLength(std::string_view text, std::size_t count) {
+    std::size_t remaining = count;
+    std::size_t length = 0;
+    forEachPiece(
+        text,
+        [&](std::string_view run) {
+            std::size_t i = 0;
+            while (i < run.size() && remaining > 0) {
+                i += (run[i] == '\r' && i + 1 < run.size() && run[i + 1] == '\n') ? 2 : 1;
+                --remaining;
+            }
+            length += i;
+            return remaining > 0;
+        },
+        [&](std::string_view other) {
+            const auto characters = static_cast<std::size_t>(characterCount(other));
+            if (characters <= remaining) {
+                length += other.size();
+                remaining -= characters;
+                return remaining > 0;
+            }
+            length += harbex::characterPrefixLength(other, remaining);
+            return false;
+        });
+    return length;
 }
 
 std::size_t FoldedText::heapBytes() const {

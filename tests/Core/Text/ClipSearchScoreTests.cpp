@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <optional>
 #include <random>
 #include <string>
@@ -14,6 +15,22 @@ namespace {
 
 std::optional<int> score(const std::string& word, const std::string& text) {
     return wordScore(FoldedText::fold(word), FoldedText::fold(text));
+}
+
+// Bytes outside printable ASCII as \xNN, so that a failing case can be pasted back.
+std::string escaped(std::string_view bytes) {
+    std::string out;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x20 && byte < 0x7F) {
+            out.push_back(c);
+        } else {
+            char buffer[8];
+            std::snprintf(buffer, sizeof buffer, "\\x%02X", byte);
+            out += buffer;
+        }
+    }
+    return out;
 }
 
 std::string repeated(const std::string& piece, int count) {
@@ -88,7 +105,7 @@ TEST(ClipSearchScoreTests, FastScorerAgreesWithReferenceOnRandomTexts) {
         const FoldedText word = FoldedText::fold(text(4));
         const FoldedText haystack = FoldedText::fold(text(round % 10 == 0 ? 2400 : 40));
         ASSERT_EQ(wordScore(word, haystack), referenceWordScore(word, haystack))
-            << word.bytes() << " in " << haystack.bytes();
+            << escaped(word.bytes()) << " in " << escaped(haystack.bytes());
     }
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "HarbexClipCore/Support/Unicode.hpp"
 #include "HarbexClipCore/Text/FoldedText.hpp"
 
 namespace harbex {
@@ -107,6 +108,25 @@ TEST(FoldingTests, FastRoadGivesTheSameBytesAsIcuAlone) {
         EXPECT_EQ(FoldedText::fold(input, FoldingPath::fast),
                   FoldedText::fold(input, FoldingPath::unicodeOnly))
             << input;
+    }
+}
+
+TEST(FoldingTests, CharacterPrefixMatchesTheGraphemeCount) {
+    const std::vector<std::string> texts = {
+        "plain words and more words",
+        "line\r\nbreaks\r\neverywhere\r\n",
+        "Café crème, Grüße aus Köln",
+        "東京 会議 資料 서울 привет",
+        "flags 🇫🇷🇩🇪 and 👨‍👩‍👧 families",
+        "e\xCC\x81t\xCC\x81" "e\xCC\x81 marks",
+        "\xFF bad \xC3 bytes",
+    };
+    for (const std::string& text : texts) {
+        for (std::size_t count = 0; count <= 40; ++count) {
+            EXPECT_EQ(FoldedText::characterPrefixLength(text, count),
+                      characterPrefixLength(text, count))
+                << text << " / " << count;
+        }
     }
 }
 
