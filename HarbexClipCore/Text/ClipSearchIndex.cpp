@@ -86,18 +86,36 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
     const bool reuse = previous_ && request.filter != ClipFilter::pinned &&
                        previous_->filter == request.filter && previous_->appID == request.appID &&
                        previous_->range == outcome.range && narrows(words, previous_->words);
+    const std::size_t wordCount = query.words.size();
     std::vector<std::uint32_t> candidates;
+    std::vector<std::int32_t> knownScores;  // a row of the last scores per candidate, when reused
+    std::vector<bool> unchanged(wordCount, false);
     if (reuse) {
         candidates = std::move(previous_->matches);
+        knownScores = std::move(previous_->wordScores);
+        for (std::size_t i = 0; i < previous_->words.size(); ++i) {
+            unchanged[i] = words[i] == previous_->words[i];
+        }
     } else {
         candidates.resize(entries_.size());
         for (std::size_t i = 0; i < candidates.size(); ++i) {
             candidates[i] = static_cast<std::uint32_t>(i);
         }
     }
+    const std::size_t knownWidth = reuse ? previous_->words.size() : 0;
 
-    std::vector<std::uint32_t> matches;
-    for (const std::uint32_t position : candidates) {
+    struct Match {
+        std::int64_t score;
+        Date date;
+        std::uint32_t position;
+    };
+    std::vector<Match> found;
+    found.reserve(candidates.size());
+    std::vector<std::int32_t> wordScores;
+    wordScores.reserve(candidates.size() * wordCount);
+    std::vector<std::int32_t> row(wordCount);
+    for (std::size_t c = 0; c < candidates.size(); ++c) {
+        const std::uint32_t position = candidates[c];
         const ClipSearchEntry& entry = entries_[position];
         const ClipPinState pin = request.filter == ClipFilter::pinned && pinned.contains(entry.id)
                                      ? ClipPinState::pinned
@@ -105,20 +123,37 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
         if (!admits(request.filter, entry.kind, pin)) continue;
         if (request.appID && entry.appID != request.appID) continue;
         if (outcome.range && !outcome.range->contains(entry.date)) continue;
-        const std::optional<std::int64_t> score = entryScore(query, entry);
-        if (!score) continue;
-        matches.push_back(position);
-        outcome.results.push_back({entry.id, *score, entry.date});
+        std::int64_t total = 0;
+        bool matched = true;
+        for (std::size_t w = 0; w < wordCount && matched; ++w) {
+            if (unchanged[w]) {
+                row[w] = knownScores[c * knownWidth + w];
+            } else if (const std::optional<int> score = weightedWordScore(query.words[w], entry)) {
+                row[w] = *score;
+            } else {
+                matched = false;
+            }
+            total += row[w];
+        }
+        if (!matched) continue;
+        found.push_back({total, entry.date, position});
+        wordScores.insert(wordScores.end(), row.begin(), row.end());
     }
-    previous_ = PreviousQuery{std::move(words), request.filter, request.appID, outcome.range,
-                              std::move(matches)};
 
-    std::sort(outcome.results.begin(), outcome.results.end(),
-              [](const ClipSearchResult& a, const ClipSearchResult& b) {
-                  if (a.score != b.score) return a.score > b.score;
-                  if (a.date != b.date) return a.date > b.date;
-                  return a.id < b.id;
-              });
+    std::vector<std::uint32_t> matches(found.size());
+    for (std::size_t i = 0; i < found.size(); ++i) matches[i] = found[i].position;
+    previous_ = PreviousQuery{std::move(words), request.filter,     request.appID,
+                              outcome.range,    std::move(matches), std::move(wordScores)};
+
+    std::sort(found.begin(), found.end(), [this](const Match& a, const Match& b) {
+        if (a.score != b.score) return a.score > b.score;
+        if (a.date != b.date) return a.date > b.date;
+        return entries_[a.position].id < entries_[b.position].id;
+    });
+    outcome.results.reserve(found.size());
+    for (const Match& match : found) {
+        outcome.results.push_back({entries_[match.position].id, match.score, match.date});
+    }
     return outcome;
 }
 

@@ -82,6 +82,9 @@ private:
         std::optional<std::string> appID;
         std::optional<ClipDateRange> range;
         std::vector<std::uint32_t> matches;  // positions in `entries_`
+        // Each match's weighted score for each word, a row per match: a word that is the same
+        // as before need not be scored again.
+        std::vector<std::int32_t> wordScores;
     };
 
     std::vector<ClipSearchEntry> entries_;

@@ -17,33 +17,46 @@ constexpr std::size_t kScatterReach = 2000;  // characters of the text a scatter
 constexpr std::size_t kGapLimit = 9;         // this many skipped characters end a scattered match
 constexpr std::size_t kFarDistance = 1010;
 
+bool sameBytes(const char* a, const char* b, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (a[i] != b[i]) return false;
+    }
+    return true;
+}
+
 // The first occurrence of `needle` (at least two bytes) in `haystack`. Sixteen positions at a
-// time are checked for the needle's first and last bytes, and only those candidates compared
-// in full: bodies run to tens of kilobytes and most of them are searched on every keystroke.
+// time are checked for the needle's first, middle and last bytes, and only those candidates
+// compared in full: bodies run to tens of kilobytes, most of them are searched on every
+// keystroke, and words from the same vocabulary share their first and last letters often.
 std::size_t findBytes(std::string_view haystack, std::string_view needle) {
     const std::size_t m = needle.size();
     const std::size_t n = haystack.size();
     if (m > n) return std::string_view::npos;
     const char* h = haystack.data();
+    const char* w = needle.data();
+    const std::size_t middle = m / 2;
     std::size_t i = 0;
 #if defined(__SSE2__)
-    const __m128i first = _mm_set1_epi8(needle[0]);
-    const __m128i last = _mm_set1_epi8(needle[m - 1]);
+    const __m128i first = _mm_set1_epi8(w[0]);
+    const __m128i centre = _mm_set1_epi8(w[middle]);
+    const __m128i last = _mm_set1_epi8(w[m - 1]);
     for (; i + m - 1 + 16 <= n; i += 16) {
         const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
-        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i + m - 1));
-        auto candidates = static_cast<unsigned>(
-            _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i + middle));
+        const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i + m - 1));
+        const __m128i hits =
+            _mm_and_si128(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, centre)),
+                          _mm_cmpeq_epi8(c, last));
+        auto candidates = static_cast<unsigned>(_mm_movemask_epi8(hits));
         while (candidates != 0) {
             const auto bit = static_cast<std::size_t>(__builtin_ctz(candidates));
-            if (std::memcmp(h + i + bit + 1, needle.data() + 1, m - 2) == 0) return i + bit;
+            if (sameBytes(h + i + bit + 1, w + 1, m - 2)) return i + bit;
             candidates &= candidates - 1;
         }
     }
 #endif
     for (; i + m <= n; ++i) {
-        if (h[i] == needle[0] && h[i + m - 1] == needle[m - 1] &&
-            std::memcmp(h + i + 1, needle.data() + 1, m - 2) == 0) {
+        if (h[i] == w[0] && h[i + m - 1] == w[m - 1] && sameBytes(h + i + 1, w + 1, m - 2)) {
             return i;
         }
     }
@@ -145,7 +158,7 @@ std::optional<int> wordScore(const ClipSearchWord& word, const FoldedText& text)
     if (q.empty() || t.empty()) return std::nullopt;
     // Every way of matching needs each of the word's characters somewhere in the text.
     if ((word.folded().characterMask() & ~text.characterMask()) != 0) return std::nullopt;
-    if (t.size() >= q.size() && t.compare(0, q.size(), q) == 0) {
+    if (t.size() >= q.size() && t[0] == q[0] && sameBytes(t.data(), q.data(), q.size())) {
         return t.size() == q.size() ? 1000 : 800;
     }
     if (const std::size_t at = find(t, q); at != std::string_view::npos) {
@@ -169,21 +182,27 @@ std::optional<int> wordScore(const FoldedText& word, const FoldedText& text) {
     return wordScore(ClipSearchWord(word), text);
 }
 
+std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchEntry& entry) {
+    int best = -1;
+    if (auto score = wordScore(word, entry.title)) best = 3 * *score;
+    // A field is scored only when it could beat the best so far: the application name gives at
+    // most 2,000 and the body at most 1,000, and the body is the long one.
+    if (best < 2000) {
+        if (auto score = wordScore(word, entry.appName)) best = std::max(best, 2 * *score);
+    }
+    if (best < 1000) {
+        if (auto score = wordScore(word, entry.body)) best = std::max(best, *score);
+    }
+    if (best < 0) return std::nullopt;
+    return best;
+}
+
 std::optional<std::int64_t> entryScore(const ClipSearchQuery& query, const ClipSearchEntry& entry) {
     std::int64_t total = 0;
     for (const ClipSearchWord& word : query.words) {
-        int best = -1;
-        if (auto score = wordScore(word, entry.title)) best = 3 * *score;
-        // A field is scored only when it could beat the best so far: the application name gives
-        // at most 2,000 and the body at most 1,000, and the body is the long one.
-        if (best < 2000) {
-            if (auto score = wordScore(word, entry.appName)) best = std::max(best, 2 * *score);
-        }
-        if (best < 1000) {
-            if (auto score = wordScore(word, entry.body)) best = std::max(best, *score);
-        }
-        if (best < 0) return std::nullopt;
-        total += best;
+        const std::optional<int> score = weightedWordScore(word, entry);
+        if (!score) return std::nullopt;
+        total += *score;
     }
     return total;
 }

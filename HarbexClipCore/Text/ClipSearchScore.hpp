@@ -46,6 +46,10 @@ struct ClipSearchQuery {
 std::optional<int> wordScore(const ClipSearchWord& word, const FoldedText& text);
 std::optional<int> wordScore(const FoldedText& word, const FoldedText& text);
 
+// A word's best weighted score over an entry's fields (title ×3, application name ×2, body ×1);
+// nothing when it matches none. Thread: any.
+std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchEntry& entry);
+
 // The sum over the query's words of each word's best weighted score (title ×3, application name
 // ×2, body ×1); nothing when some word matches no field. A query without words scores 0.
 // Thread: any.
