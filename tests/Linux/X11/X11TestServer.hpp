@@ -11,6 +11,7 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -193,17 +194,24 @@ public:
         if (number.empty()) return;
         display_ = ":" + number;
         windowManager_ = Process({"openbox", "--sm-disable"}, display_);
-        // openbox is ready once it has set _NET_SUPPORTING_WM_CHECK on the root.
+        // openbox is ready once it manages a window: map a probe and wait for it to be listed.
         auto probe = X11Connection::open(display_.c_str());
         if (probe) {
-            eventually([&] {
-                auto& c = **probe;
-                xcb_intern_atom_cookie_t cookie =
-                    xcb_intern_atom(c.raw(), 0, 24, "_NET_SUPPORTING_WM_CHECK");
-                XcbReply<xcb_intern_atom_reply_t> atom(
-                    xcb_intern_atom_reply(c.raw(), cookie, nullptr));
-                return atom && !c.property32(c.root(), atom->atom, XCB_ATOM_WINDOW).empty();
-            });
+            auto& c = **probe;
+            const xcb_window_t window = xcb_generate_id(c.raw());
+            xcb_create_window(c.raw(), XCB_COPY_FROM_PARENT, window, c.root(), 0, 0, 10, 10, 0,
+                              XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+            xcb_map_window(c.raw(), window);
+            c.flush();
+            eventually(
+                [&] {
+                    const auto clients =
+                        c.property32(c.root(), c.atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW);
+                    return std::find(clients.begin(), clients.end(), window) != clients.end();
+                },
+                20000ms);
+            xcb_destroy_window(c.raw(), window);
+            c.flush();
         }
         ready_ = true;
     }
