@@ -1,0 +1,209 @@
+#include "HarbexClipCore/Library/ClipLibraryViewModel.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "HarbexClipCore/Panel/ClipPanelRow.hpp"
+#include "HarbexClipCore/Panel/ClipPanelText.hpp"
+
+namespace harbex {
+
+namespace {
+
+std::string times(std::int64_t n) { return std::to_string(n) + (n == 1 ? " time" : " times"); }
+
+std::string_view kindName(ClipKind kind) {
+    switch (kind) {
+        case ClipKind::text:
+        case ClipKind::richText: return "Text";
+        case ClipKind::link: return "Link";
+        case ClipKind::image: return "Image";
+        case ClipKind::file: return "File";
+        case ClipKind::color: return "Colour";
+        case ClipKind::code: return "Code";
+    }
+    return {};
+}
+
+bool hasDetail(const ClipItem& item, ClipDetail detail) {
+    return std::ranges::find(item.details, detail) != item.details.end();
+}
+
+std::string kindLine(const ClipItem& item) {
+    // Hidden copies say why before anything else.
+    if (hasDetail(item, ClipDetail::oneTimeCode)) return "One-time code, hidden";
+    if (item.isSensitive) return "Sensitive, hidden";
+    std::string line(kindName(item.kind));
+    if (item.kind == ClipKind::file && item.filePaths && item.filePaths->size() > 1) {
+        line = std::to_string(item.filePaths->size()) + " files";
+    }
+    const bool edited = item.original.has_value();
+    const bool richKept =
+        item.rtf || item.html || (item.original && (item.original->rtf || item.original->html));
+    if (edited) line += ", edited";
+    if (richKept) line += edited ? " · rich text kept" : ", rich text kept";
+    return line;
+}
+
+std::string lastUsed(Date last, Date now, const Calendar& calendar) {
+    const Date today = calendar.startOfDay(now);
+    if (last >= today) return " · last today";
+    if (last >= calendar.addingDays(today, -1)) return " · last yesterday";
+    const Date lastDay = calendar.startOfDay(last);
+    const auto days = static_cast<long>(std::lround((today - lastDay) / 86400.0));
+    return " · last " + std::to_string(days) + " days ago";
+}
+
+}  // namespace
+
+ClipLibraryViewModel::ClipLibraryViewModel(ClipLibraryEngine& engine, NowFunction now,
+                                           Calendar calendar, ClipKeyVocabulary vocabulary)
+    : engine_(engine),
+      now_(std::move(now)),
+      calendar_(std::move(calendar)),
+      vocabulary_(vocabulary) {
+    watch_.push_back(engine_.history().subscribe([this](const auto&) { engineChanged(); }));
+    watch_.push_back(engine_.pins().subscribe([this](const auto&) { engineChanged(); }));
+    watch_.push_back(engine_.pinboards().subscribe([this](const auto&) { engineChanged(); }));
+    engineChanged();
+}
+
+void ClipLibraryViewModel::engineChanged() {
+    listing_.update(engine_.history().get(), engine_.pins().get(), engine_.pinboards().get());
+    counts_ = ClipLibraryCounts::of(engine_.history().get(), engine_.pinboards().get(),
+                                    listing_.pinnedIDs(), now_(), calendar_);
+    refresh();
+}
+
+void ClipLibraryViewModel::refresh() {
+    const Date now = now_();
+    items_ = listing_.list(section_, query_, now, calendar_);
+    groups_.clear();
+    if (section_.kind == ClipLibrarySection::Kind::pinboard) {
+        // A pinboard is the user's arrangement: one run, in their order.
+        if (!items_.empty()) groups_.push_back({std::nullopt, items_});
+    } else {
+        const ClipDayGroups days(now, calendar_);
+        std::array<std::vector<ClipItem>, 5> runs;
+        for (const ClipItem& item : items_) {
+            runs[static_cast<std::size_t>(days.groupOf(item.date))].push_back(item);
+        }
+        for (std::size_t g = 0; g < runs.size(); ++g) {
+            if (runs[g].empty()) continue;
+            groups_.push_back(
+                {std::string(rowGroupTitle(static_cast<ClipRowGroup>(g))), std::move(runs[g])});
+        }
+    }
+    if (selectedID_ && !listing_.item(*selectedID_)) selectedID_.reset();
+    revision_.set(revision_.get() + 1);
+}
+
+void ClipLibraryViewModel::setSection(ClipLibrarySection section) {
+    section_ = std::move(section);
+    refresh();
+}
+
+void ClipLibraryViewModel::setQuery(std::string query) {
+    query_ = std::move(query);
+    refresh();
+}
+
+void ClipLibraryViewModel::select(std::optional<Uuid> id) {
+    selectedID_ = std::move(id);
+    const ClipItem* item = selectedItem();
+    draft_ = item && item->text ? *item->text : std::string();
+    revision_.set(revision_.get() + 1);
+}
+
+const ClipItem* ClipLibraryViewModel::selectedItem() const {
+    return selectedID_ ? listing_.item(*selectedID_) : nullptr;
+}
+
+void ClipLibraryViewModel::showNotice(std::string text) {
+    notice_ = std::move(text);
+    revision_.set(revision_.get() + 1);
+}
+
+void ClipLibraryViewModel::paste(std::optional<ClipPasteForm> form) {
+    const ClipItem* item = selectedItem();
+    if (!item) return showNotice(std::string(ClipPanelText::kCannotPaste));
+    switch (engine_.paste(*item, form, target_).outcome) {
+        case PasteOutcome::pasted: notice_.reset(); break;
+        case PasteOutcome::copied: showNotice(ClipPanelText::copiedNotice(vocabulary_)); break;
+        case PasteOutcome::failed: showNotice(std::string(ClipPanelText::kCannotPaste)); break;
+    }
+}
+
+void ClipLibraryViewModel::copy() {
+    const ClipItem* item = selectedItem();
+    if (!item || engine_.copy(*item).outcome == PasteOutcome::failed) {
+        return showNotice(std::string(ClipPanelText::kCannotCopy));
+    }
+    showNotice(ClipPanelText::copiedNotice(vocabulary_));
+}
+
+void ClipLibraryViewModel::togglePin() {
+    const ClipItem* item = selectedItem();
+    if (!item) return;
+    const Uuid id = item->id;
+    if (listing_.pinnedIDs().contains(id)) {
+        if (engine_.unpin(id)) return showNotice("Unpinned");
+        return showNotice("That copy can’t be unpinned");
+    }
+    if (engine_.pin(id)) return showNotice(std::string(kPinned));
+    showNotice("That copy can’t be pinned");
+}
+
+void ClipLibraryViewModel::remove() {
+    const ClipItem* item = selectedItem();
+    if (!item) return;
+    const Uuid id = item->id;
+    if (engine_.remove(id)) selectedID_.reset();
+    refresh();
+}
+
+void ClipLibraryViewModel::saveDraft() {
+    const ClipItem* item = selectedItem();
+    if (!item) return;
+    const std::optional<ClipEditOutcome> outcome = engine_.edit(item->id, draft_);
+    if (!outcome || *outcome == ClipEditOutcome::unchanged) {
+        return showNotice(std::string(kUnchanged));
+    }
+    showNotice(*outcome == ClipEditOutcome::reverted ? "Back to the original" : "Saved");
+}
+
+std::optional<std::string> ClipLibraryViewModel::emptyState() const {
+    if (section_.kind == ClipLibrarySection::Kind::pinboard && items_.empty() && query_.empty()) {
+        return std::string(kEmptyPinboard);
+    }
+    return std::nullopt;
+}
+
+std::optional<ClipLibraryDetail> ClipLibraryViewModel::detail() const {
+    const ClipItem* item = selectedItem();
+    if (!item) return std::nullopt;
+    const bool inHistory = std::ranges::any_of(
+        engine_.history().get(), [&](const ClipItem& each) { return each.id == item->id; });
+    return detailOf(*item, listing_.pinnedIDs().contains(item->id), listing_.isOnPinboard(item->id),
+                    inHistory, now_(), calendar_);
+}
+
+ClipLibraryDetail ClipLibraryViewModel::detailOf(const ClipItem& item, bool pinned, bool onPinboard,
+                                                 bool inHistory, Date now,
+                                                 const Calendar& calendar) {
+    ClipLibraryDetail detail;
+    detail.kindLine = kindLine(item);
+    detail.sourceLine = "From " + item.appName.value_or(item.appID.value_or("an unknown app"));
+    // Pins and pinboards are never pruned; everything else ages out with the retention.
+    if (pinned || onPinboard) detail.sourceLine += " · kept forever";
+    detail.usageLine = "Copied " + times(item.timesCopied);
+    if (item.timesPasted > 0) detail.usageLine += ", pasted " + times(item.timesPasted);
+    if (item.lastPasted) detail.usageLine += lastUsed(*item.lastPasted, now, calendar);
+    if (pinned) {
+        detail.pinLine =
+            inHistory ? "Pinned, shared with Harbex Tidepool" : "Also in Harbex Tidepool";
+    }
+    return detail;
+}
+
+}  // namespace harbex

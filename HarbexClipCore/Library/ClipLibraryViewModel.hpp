@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HarbexClipCore/Library/ClipLibraryCounts.hpp"
+#include "HarbexClipCore/Library/ClipLibraryEngine.hpp"
+#include "HarbexClipCore/Library/ClipLibraryListing.hpp"
+#include "HarbexClipCore/Library/ClipLibrarySection.hpp"
+#include "HarbexClipCore/Settings/ClipKeyCodes.hpp"
+#include "HarbexClipCore/Support/Calendar.hpp"
+#include "HarbexClipCore/Support/Clock.hpp"
+#include "HarbexClipCore/Support/Observable.hpp"
+
+namespace harbex {
+
+// The lines of the detail pane for one copy.
+struct ClipLibraryDetail {
+    // What the copy is: "Text, rich text kept", "Text, edited · rich text kept", "Link",
+    // "Sensitive, hidden", "One-time code, hidden".
+    std::string kindLine;
+    // Where it came from and how long it stays: "From Firefox · kept forever".
+    std::string sourceLine;
+    // How it was used: "Copied 3 times, pasted 2 times · last yesterday".
+    std::string usageLine;
+    // The pin: "Pinned, shared with Harbex Tidepool" for our own pins, "Also in Harbex Tidepool"
+    // for a pin made there that this history does not hold; nothing when not pinned.
+    std::optional<std::string> pinLine;
+
+    friend bool operator==(const ClipLibraryDetail&, const ClipLibraryDetail&) = default;
+};
+
+// The sidebar, the grouped list and the actions on the selected copy of the library window,
+// free of view code. Observes the engine and changes the history only by asking it.
+// Thread: main.
+class ClipLibraryViewModel {
+public:
+    static constexpr std::string_view kPinned = "Pinned, and in Harbex Tidepool too";
+    static constexpr std::string_view kUnchanged = "That doesn’t change this copy";
+    static constexpr std::string_view kEmptyPinboard = "This pinboard is empty";
+
+    // `engine` is observed and must outlive the model.
+    ClipLibraryViewModel(ClipLibraryEngine& engine, NowFunction now, Calendar calendar,
+                         ClipKeyVocabulary vocabulary = ClipKeyVocabulary::linuxNames);
+
+    void setSection(ClipLibrarySection section);
+    void setQuery(std::string query);
+    // Selects a copy and loads its text into `draft`.
+    void select(std::optional<Uuid> id);
+    void setTarget(std::optional<ClipTargetApp> target) { target_ = std::move(target); }
+    void setDraft(std::string draft) { draft_ = std::move(draft); }
+
+    // Actions on the selected copy; each leaves a notice.
+    void paste(std::optional<ClipPasteForm> form = std::nullopt);
+    void copy();
+    void togglePin();
+    void remove();
+    // Stores `draft` as the copy's text.
+    void saveDraft();
+
+    const ClipLibrarySection& section() const { return section_; }
+    const std::string& query() const { return query_; }
+    const std::optional<Uuid>& selectedID() const { return selectedID_; }
+    const std::vector<ClipItem>& items() const { return items_; }
+    const std::vector<ClipLibraryGroup>& groups() const { return groups_; }
+    const ClipLibraryCounts& counts() const { return counts_; }
+    const std::optional<std::string>& notice() const { return notice_; }
+    const std::optional<ClipTargetApp>& target() const { return target_; }
+    const std::string& draft() const { return draft_; }
+
+    // "This pinboard is empty" for a pinboard without copies; nothing otherwise.
+    std::optional<std::string> emptyState() const;
+    std::optional<ClipLibraryDetail> detail() const;
+    // The detail lines of any copy at `now`.
+    static ClipLibraryDetail detailOf(const ClipItem& item, bool pinned, bool onPinboard,
+                                      bool inHistory, Date now, const Calendar& calendar);
+
+    Observable<std::uint64_t>& revision() { return revision_; }
+
+private:
+    void engineChanged();
+    void refresh();
+    const ClipItem* selectedItem() const;
+    void showNotice(std::string text);
+
+    ClipLibraryEngine& engine_;
+    NowFunction now_;
+    Calendar calendar_;
+    ClipKeyVocabulary vocabulary_;
+
+    ClipLibrarySection section_ = ClipLibrarySection::all();
+    std::string query_;
+    std::optional<Uuid> selectedID_;
+    std::vector<ClipItem> items_;
+    std::vector<ClipLibraryGroup> groups_;
+    ClipLibraryCounts counts_;
+    std::optional<std::string> notice_;
+    std::optional<ClipTargetApp> target_;
+    std::string draft_;
+
+    ClipLibraryListing listing_;
+    std::vector<Subscription> watch_;
+    Observable<std::uint64_t> revision_{0};
+};
+
+}  // namespace harbex

@@ -1,0 +1,218 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "HarbexClipCore/Library/ClipLibraryModel.hpp"
+#include "HarbexClipCore/Library/ClipLibraryViewModel.hpp"
+#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
+#include "tests/Core/Library/LibraryTestSupport.hpp"
+
+namespace harbex {
+namespace {
+
+using librarytest::imageItem;
+using librarytest::kNow;
+using librarytest::textItem;
+
+class ClipLibraryViewModelTests : public ::testing::Test {
+protected:
+    ClipLibraryViewModelTests() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
+
+    void start(std::vector<ClipItem> items) {
+        engine.setItems(std::move(items));
+        model = std::make_unique<ClipLibraryViewModel>(engine, nowFunction(clock),
+                                                       librarytest::london());
+    }
+
+    std::vector<std::string> groupTitles() {
+        std::vector<std::string> out;
+        for (const auto& group : model->groups()) {
+            out.push_back(group.title.value_or("-") + ":" + std::to_string(group.items.size()));
+        }
+        return out;
+    }
+
+    FixedClock clock;
+    ManualScheduler scheduler;
+    MemoryClipEngine engine;
+    std::unique_ptr<ClipLibraryViewModel> model;
+};
+
+TEST_F(ClipLibraryViewModelTests, DayGroupsUseCalendarDaysAndTodayCountsAgree) {
+    const Date midnight = librarytest::london().startOfDay(kNow);
+    struct Case {
+        Date now;
+        std::vector<std::string> groups;
+        std::int64_t today;
+    };
+    const std::vector<ClipItem> items{textItem("a", midnight + 1), textItem("b", midnight - 1),
+                                      textItem("c", midnight - 2 * 86400),
+                                      textItem("d", midnight - 4 * 86400)};
+    const std::vector<Case> cases{
+        {kNow, {"Today:1", "Yesterday:1", "Earlier this week:1", "Earlier:1"}, 1},
+        // One second before midnight the copy made "just after midnight" is still today.
+        {midnight + 86400 - 1, {"Today:1", "Yesterday:1", "Earlier this week:1", "Earlier:1"}, 1},
+        // A day later everything slides one heading down; nothing is today.
+        {midnight + 86400 + 1, {"Yesterday:1", "Earlier this week:2", "Earlier:1"}, 0},
+    };
+    start(items);
+    for (const Case& c : cases) {
+        clock.set(c.now);
+        engine.setItems(items);  // a refresh at the new time
+        EXPECT_EQ(groupTitles(), c.groups);
+        EXPECT_EQ(model->counts().today, c.today);
+        model->setSection(ClipLibrarySection::today());
+        EXPECT_EQ(static_cast<std::int64_t>(model->items().size()), c.today);
+        model->setSection(ClipLibrarySection::all());
+    }
+}
+
+TEST_F(ClipLibraryViewModelTests, CountsCoverKindsPinboardsAndApps) {
+    ClipItem a = textItem("a", kNow, "firefox", "Firefox");
+    ClipItem b = textItem("b", kNow - 1, "firefox", "Firefox");
+    ClipItem c = imageItem("d1", kNow - 2);
+    start({a, b, c});
+    Pinboard board{Uuid::random(), "Work", "", "", {a.id, Uuid::random()}};
+    engine.addPinboard(board);
+    ASSERT_TRUE(engine.pin(c.id));
+    const ClipLibraryCounts& counts = model->counts();
+    EXPECT_EQ(counts.all, 3);
+    EXPECT_EQ(counts.pinned, 1);
+    EXPECT_EQ(counts.kinds.at(ClipFilter::text), 2);
+    EXPECT_EQ(counts.kinds.at(ClipFilter::images), 1);
+    EXPECT_EQ(counts.kinds.at(ClipFilter::links), 0);
+    EXPECT_EQ(counts.pinboards.at(board.id), 1) << "a board id missing from the history";
+    EXPECT_EQ(counts.apps,
+              (std::vector<ClipLibraryApp>{{"firefox", "Firefox", 2},
+                                           {"org.gnome.Screenshot", "Screenshot", 1}}));
+}
+
+TEST_F(ClipLibraryViewModelTests, PinboardSectionsKeepTheBoardOrderAndShowTheEmptyState) {
+    ClipItem a = textItem("a", kNow), b = textItem("b", kNow - 1);
+    start({a, b});
+    Pinboard empty{Uuid::random(), "Empty", "", "", {}};
+    Pinboard board{Uuid::random(), "Work", "", "", {b.id, a.id}};
+    engine.addPinboard(empty);
+    engine.addPinboard(board);
+    model->setSection(ClipLibrarySection::pinboard(empty.id));
+    EXPECT_EQ(model->emptyState(), "This pinboard is empty");
+    model->setSection(ClipLibrarySection::pinboard(board.id));
+    EXPECT_EQ(model->emptyState(), std::nullopt);
+    ASSERT_EQ(model->items().size(), 2u);
+    EXPECT_EQ(model->items()[0].id, b.id);
+    EXPECT_EQ(groupTitles(), std::vector<std::string>{"-:2"});
+}
+
+TEST_F(ClipLibraryViewModelTests, ActionsLeaveTheirNotices) {
+    ClipItem a = textItem("hello", kNow);
+    start({a});
+    model->select(a.id);
+    EXPECT_EQ(model->draft(), "hello");
+    model->paste();
+    EXPECT_EQ(model->notice(), "Copied, press Ctrl+V") << "no target: copied only";
+    model->togglePin();
+    EXPECT_EQ(model->notice(), "Pinned, and in Harbex Tidepool too");
+    model->saveDraft();
+    EXPECT_EQ(model->notice(), "That doesn’t change this copy");
+    model->setDraft("hello there");
+    model->saveDraft();
+    EXPECT_EQ(engine.model.items().front().text, "hello there");
+    engine.remove(a.id);
+    model->select(a.id);
+    model->copy();
+    EXPECT_EQ(model->notice(), "That copy can’t be copied");
+    model->paste();
+    EXPECT_EQ(model->notice(), "That copy can’t be pasted");
+}
+
+TEST_F(ClipLibraryViewModelTests, DetailLinesSayWhatTheCopyIs) {
+    const Calendar calendar = librarytest::london();
+    ClipItem rich = textItem("words", kNow - 100, "firefox", "Firefox");
+    rich.kind = ClipKind::richText;
+    rich.rtf = Bytes{'{', '}'};
+    rich.timesCopied = 3;
+    rich.timesPasted = 2;
+    rich.lastPasted = calendar.startOfDay(kNow) - 60;
+    auto detail = ClipLibraryViewModel::detailOf(rich, true, false, true, kNow, calendar);
+    EXPECT_EQ(detail.kindLine, "Text, rich text kept");
+    EXPECT_EQ(detail.sourceLine, "From Firefox · kept forever");
+    EXPECT_EQ(detail.usageLine, "Copied 3 times, pasted 2 times · last yesterday");
+    EXPECT_EQ(detail.pinLine, "Pinned, shared with Harbex Tidepool");
+
+    ClipItem edited = rich;
+    ASSERT_EQ(edited.edit("new words"), ClipEditOutcome::edited);
+    detail = ClipLibraryViewModel::detailOf(edited, true, false, false, kNow, calendar);
+    EXPECT_EQ(detail.kindLine, "Text, edited · rich text kept");
+    EXPECT_EQ(detail.pinLine, "Also in Harbex Tidepool");
+
+    const std::vector<std::pair<ClipItem, std::string>> hidden{
+        {[&] {
+             auto i = textItem("s3cret", kNow);
+             i.isSensitive = true;
+             return i;
+         }(),
+         "Sensitive, hidden"},
+        {[&] {
+             auto i = textItem("123456", kNow);
+             i.isSensitive = true;
+             i.details = {ClipDetail::oneTimeCode};
+             return i;
+         }(),
+         "One-time code, hidden"},
+    };
+    for (const auto& [item, line] : hidden) {
+        const auto d = ClipLibraryViewModel::detailOf(item, false, false, true, kNow, calendar);
+        EXPECT_EQ(d.kindLine, line);
+        EXPECT_EQ(d.sourceLine, "From Text Editor");
+    }
+}
+
+TEST(ClipLibraryModelTests, SortsBreakTiesByNewest) {
+    FixedClock clock(kNow);
+    ManualScheduler scheduler(&clock);
+    MemoryClipEngine engine(clock, scheduler);
+    ClipItem old = textItem("banana", kNow - 30), mid = textItem("Apple", kNow - 20),
+             fresh = textItem("apple", kNow - 10), newest = textItem("cherry", kNow);
+    old.timesPasted = 5;
+    mid.timesPasted = 1;
+    fresh.timesPasted = 1;
+    engine.setItems({newest, fresh, mid, old});
+    ClipLibraryModel model(engine, nowFunction(clock), librarytest::london());
+    const auto order = [&] {
+        std::string out;
+        for (const auto& item : model.items()) out += item.text->substr(0, 2) + " ";
+        return out;
+    };
+    const std::vector<std::pair<ClipLibrarySort, std::string>> cases{
+        {ClipLibrarySort::newest, "ch ap Ap ba "},
+        {ClipLibrarySort::mostPasted, "ba ap Ap ch "},
+        {ClipLibrarySort::name, "ap Ap ba ch "},
+    };
+    for (const auto& [sort, expected] : cases) {
+        model.setSort(sort);
+        EXPECT_EQ(order(), expected) << enumName(sort);
+    }
+    model.setQuery("apple");
+    EXPECT_EQ(order(), "ap Ap ");
+    model.setSection(ClipLibrarySection::ofKind(ClipFilter::images));
+    EXPECT_TRUE(model.items().empty());
+}
+
+TEST(ClipStorageBreakdownTests, BucketsByKind) {
+    ClipItem text = textItem("12345", kNow);
+    ClipItem image = imageItem("d", kNow, 4000);
+    ClipContent files;
+    files.kind = ClipKind::file;
+    files.filePaths = std::vector<std::string>{"/a/b", "/c"};
+    ClipItem file = ClipItem::make(files, {}, {}, kNow, ClipSensitivity::ordinary);
+    ClipContent link;
+    link.kind = ClipKind::link;
+    link.text = "https://x.io";
+    ClipItem linkItem = ClipItem::make(link, {}, {}, kNow, ClipSensitivity::ordinary);
+    const auto breakdown = ClipStorageBreakdown::of({text, image, file, linkItem});
+    EXPECT_EQ(breakdown, (ClipStorageBreakdown{4000, 6, 5, 12}));
+    EXPECT_EQ(breakdown.total(), 4023);
+}
+
+}  // namespace
+}  // namespace harbex
