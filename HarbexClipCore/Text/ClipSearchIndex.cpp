@@ -1,6 +1,7 @@
 #include "HarbexClipCore/Text/ClipSearchIndex.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
 #include "HarbexClipCore/Text/ClipSearchScore.hpp"
@@ -26,10 +27,62 @@ bool narrows(const std::vector<std::string>& words, const std::vector<std::strin
     return true;
 }
 
+// Highest score first, keeping the given order among equal scores. Scores below 2^32 (any query
+// of fewer than a million words) take two stable counting passes of 16 bits; a plain sort with
+// the original place as the last key covers the rest.
+template <class Match>
+void sortByScoreKeepingOrder(std::vector<Match>& matches) {
+    std::int64_t highest = 0;
+    for (const Match& match : matches) highest = std::max(highest, match.score);
+    if (highest >= (std::int64_t{1} << 32)) {
+        std::vector<std::pair<Match, std::size_t>> keyed;
+        keyed.reserve(matches.size());
+        for (std::size_t i = 0; i < matches.size(); ++i) keyed.emplace_back(matches[i], i);
+        std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
+            if (a.first.score != b.first.score) return a.first.score > b.first.score;
+            return a.second < b.second;
+        });
+        for (std::size_t i = 0; i < matches.size(); ++i) matches[i] = keyed[i].first;
+        return;
+    }
+    std::vector<Match> scratch(matches.size());
+    for (const int shift : {0, 16}) {
+        std::vector<std::size_t> starts(1 << 16, 0);
+        // Descending: the digit is turned over so that larger scores count as smaller.
+        const auto digit = [shift](const Match& match) {
+            return 0xFFFF - ((static_cast<std::uint64_t>(match.score) >> shift) & 0xFFFF);
+        };
+        for (const Match& match : matches) ++starts[digit(match)];
+        std::size_t sum = 0;
+        for (std::size_t& start : starts) sum += std::exchange(start, sum);
+        for (const Match& match : matches) scratch[starts[digit(match)]++] = match;
+        matches.swap(scratch);
+    }
+}
+
 }  // namespace
 
-void ClipSearchIndex::rebuild(const std::vector<ClipItem>& items) {
+void ClipSearchIndex::changed() {
     previous_.reset();
+    newestFirstIsCurrent_ = false;
+}
+
+const std::vector<std::uint32_t>& ClipSearchIndex::newestFirst() {
+    if (newestFirstIsCurrent_) return newestFirst_;
+    newestFirst_.resize(entries_.size());
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        newestFirst_[i] = static_cast<std::uint32_t>(i);
+    }
+    std::sort(newestFirst_.begin(), newestFirst_.end(), [this](std::uint32_t a, std::uint32_t b) {
+        if (entries_[a].date != entries_[b].date) return entries_[a].date > entries_[b].date;
+        return entries_[a].id < entries_[b].id;
+    });
+    newestFirstIsCurrent_ = true;
+    return newestFirst_;
+}
+
+void ClipSearchIndex::rebuild(const std::vector<ClipItem>& items) {
+    changed();
     entries_.clear();
     positions_.clear();
     entries_.reserve(items.size());
@@ -38,7 +91,7 @@ void ClipSearchIndex::rebuild(const std::vector<ClipItem>& items) {
 }
 
 void ClipSearchIndex::put(const ClipItem& item) {
-    previous_.reset();
+    changed();
     if (auto found = positions_.find(item.id); found != positions_.end()) {
         entries_[found->second] = ClipSearchEntry::make(item);
         return;
@@ -50,7 +103,7 @@ void ClipSearchIndex::put(const ClipItem& item) {
 void ClipSearchIndex::remove(const Uuid& id) {
     const auto found = positions_.find(id);
     if (found == positions_.end()) return;
-    previous_.reset();
+    changed();
     // Order does not matter here (results are sorted), so the last entry fills the hole.
     const std::size_t position = found->second;
     positions_.erase(found);
@@ -62,7 +115,7 @@ void ClipSearchIndex::remove(const Uuid& id) {
 }
 
 void ClipSearchIndex::clear() {
-    previous_.reset();
+    changed();
     entries_.clear();
     positions_.clear();
 }
@@ -97,16 +150,12 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
             unchanged[i] = words[i] == previous_->words[i];
         }
     } else {
-        candidates.resize(entries_.size());
-        for (std::size_t i = 0; i < candidates.size(); ++i) {
-            candidates[i] = static_cast<std::uint32_t>(i);
-        }
+        candidates = newestFirst();
     }
     const std::size_t knownWidth = reuse ? previous_->words.size() : 0;
 
     struct Match {
         std::int64_t score;
-        Date date;
         std::uint32_t position;
     };
     std::vector<Match> found;
@@ -136,7 +185,7 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
             total += row[w];
         }
         if (!matched) continue;
-        found.push_back({total, entry.date, position});
+        found.push_back({total, position});
         wordScores.insert(wordScores.end(), row.begin(), row.end());
     }
 
@@ -145,14 +194,12 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
     previous_ = PreviousQuery{std::move(words), request.filter,     request.appID,
                               outcome.range,    std::move(matches), std::move(wordScores)};
 
-    std::sort(found.begin(), found.end(), [this](const Match& a, const Match& b) {
-        if (a.score != b.score) return a.score > b.score;
-        if (a.date != b.date) return a.date > b.date;
-        return entries_[a.position].id < entries_[b.position].id;
-    });
+    // Matches are newest first already, so a stable sort by score finishes the order.
+    sortByScoreKeepingOrder(found);
     outcome.results.reserve(found.size());
     for (const Match& match : found) {
-        outcome.results.push_back({entries_[match.position].id, match.score, match.date});
+        const ClipSearchEntry& entry = entries_[match.position];
+        outcome.results.push_back({entry.id, match.score, entry.date});
     }
     return outcome;
 }

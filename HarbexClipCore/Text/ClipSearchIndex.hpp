@@ -81,14 +81,21 @@ private:
         ClipFilter filter = ClipFilter::all;
         std::optional<std::string> appID;
         std::optional<ClipDateRange> range;
-        std::vector<std::uint32_t> matches;  // positions in `entries_`
+        std::vector<std::uint32_t> matches;  // positions in `entries_`, newest first
         // Each match's weighted score for each word, a row per match: a word that is the same
         // as before need not be scored again.
         std::vector<std::int32_t> wordScores;
     };
 
+    void changed();
+    const std::vector<std::uint32_t>& newestFirst();
+
     std::vector<ClipSearchEntry> entries_;
     std::unordered_map<Uuid, std::size_t> positions_;
+    // Positions in `entries_`, newest first (ties by id); made again after a change. Scoring in
+    // this order leaves only the scores to sort.
+    std::vector<std::uint32_t> newestFirst_;
+    bool newestFirstIsCurrent_ = false;
     std::optional<PreviousQuery> previous_;
 };
 
