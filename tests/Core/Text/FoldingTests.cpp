@@ -118,7 +118,8 @@ TEST(FoldingTests, CharacterPrefixMatchesTheGraphemeCount) {
         "Café crème, Grüße aus Köln",
         "東京 会議 資料 서울 привет",
         "flags 🇫🇷🇩🇪 and 👨‍👩‍👧 families",
-        "e\xCC\x81t\xCC\x81" "e\xCC\x81 marks",
+        "e\xCC\x81t\xCC\x81"
+        "e\xCC\x81 marks",
         "\xFF bad \xC3 bytes",
     };
     for (const std::string& text : texts) {
