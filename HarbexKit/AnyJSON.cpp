@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace harbex {
 
@@ -9,8 +10,17 @@ namespace {
 constexpr double kExactIntegerLimit = 9007199254740992.0;  // 2^53
 }  // namespace
 
+double finiteNumber(double number) {
+    if (std::isnan(number)) return 0;
+    if (std::isinf(number)) {
+        return std::copysign(std::numeric_limits<double>::max(), number);
+    }
+    return number;
+}
+
 JsonValue encodeJsonNumber(double number) {
-    if (std::isfinite(number) && number == std::trunc(number) &&
+    number = finiteNumber(number);
+    if (number == std::trunc(number) && number == std::trunc(number) &&
         std::fabs(number) <= kExactIntegerLimit && !(number == 0 && std::signbit(number))) {
         return JsonValue(static_cast<std::int64_t>(number));
     }
@@ -45,7 +55,9 @@ JsonStatus decodeJson(const JsonValue& json, AnyJSON& out) {
         case boost::json::kind::bool_: out = AnyJSON(json.get_bool()); break;
         case boost::json::kind::int64:
         case boost::json::kind::uint64:
-        case boost::json::kind::double_: out = AnyJSON(json.to_number<double>()); break;
+        case boost::json::kind::double_:
+            out = AnyJSON(finiteNumber(json.to_number<double>()));
+            break;
         case boost::json::kind::string:
             out = AnyJSON(std::string(json.get_string().data(), json.get_string().size()));
             break;

@@ -12,7 +12,8 @@ namespace harbex {
 
 // Any JSON value, held so that members a document does not know survive a read and a write.
 // Numbers are doubles, as the sibling application's JSON reader keeps them; object members are
-// kept sorted by key (the shared documents are written with sorted keys anyway).
+// kept sorted by key (the shared documents are written with sorted keys anyway). Thread: any (a
+// value).
 struct AnyJSON {
     struct Null {
         friend bool operator==(Null, Null) = default;
@@ -46,8 +47,12 @@ JsonValue encodeJson(const AnyJSON& value);
 // Every JSON value decodes; nesting is as deep as the parser allowed.
 JsonStatus decodeJson(const JsonValue& json, AnyJSON& out);
 
-// A number as AnyJSON writes it; shared with records that keep plain double fields.
+// A number as AnyJSON writes it; shared with records that keep plain double fields. Never writes
+// a non-finite number (which JSON cannot hold): see finiteNumber.
 JsonValue encodeJsonNumber(double number);
+// Numbers too large for a double (1e400) parse as infinities, which no JSON writer can put back;
+// they are held as the largest finite double of the same sign instead, and NaN as 0.
+double finiteNumber(double number);
 
 // The members of `object` whose keys are not in `known`, for records that keep what they do not
 // understand.

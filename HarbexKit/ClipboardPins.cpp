@@ -42,6 +42,8 @@ JsonStatus decodeJson(const JsonValue& json, PinRecord& out) {
         .optional("appName", record.appName)
         .required("date", record.date);
     if (!reader.ok()) return reader.status();
+    if (record.width) record.width = finiteNumber(*record.width);
+    if (record.height) record.height = finiteNumber(*record.height);
     record.unknown =
         unknownMembers(*reader.object(), {"id", "kind", "text", "paths", "imageType", "width",
                                           "height", "appID", "appName", "date"});

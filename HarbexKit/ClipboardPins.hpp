@@ -18,7 +18,8 @@
 namespace harbex {
 
 // One pin in the file shared with Harbex Tidepool. Members this version does not know are kept
-// in `unknown` and written back unchanged, so either application may add fields.
+// in `unknown` and written back unchanged, so either application may add fields. Thread: any
+// (a value).
 struct PinRecord {
     // "files" is plural here, unlike the history's `file`: the sibling's name for it.
     enum class Kind { text, link, files, image };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -129,6 +130,21 @@ TEST(ClipboardPinsTests, NumbersKeepTheirValueAndWholeOnesReadAsIntegers) {
         ASSERT_TRUE(back->ifNumber()) << text;
         EXPECT_EQ(*back->ifNumber(), testCase.number) << text;
     }
+}
+
+TEST(ClipboardPinsTests, NumbersBeyondADoubleAreWrittenBackAsValidJson) {
+    const std::string text = std::string(R"({"huge":[1e400,-1e400],"pins":[{"id":")") + kFirstID +
+                             R"(","kind":"image","width":1e999,"height":2,"date":1}]})";
+    const ClipboardPins pins = decodeText(text);
+    ASSERT_EQ(pins.pins.size(), 1u);
+    const std::string written = serializeJsonSorted(encodeJson(pins));
+    const auto reparsed = parseJson(written);
+    ASSERT_TRUE(reparsed) << written;
+    EXPECT_EQ(decodeJsonAs<ClipboardPins>(*reparsed), pins);
+    EXPECT_EQ(pins.pins[0].width, std::numeric_limits<double>::max());
+    EXPECT_EQ(pins.unknown.at("huge"),
+              AnyJSON(AnyJSON::Array{AnyJSON(std::numeric_limits<double>::max()),
+                                     AnyJSON(-std::numeric_limits<double>::max())}));
 }
 
 TEST(ClipboardPinsTests, KnownKeysWinOverUnknownOnesOfTheSameName) {
