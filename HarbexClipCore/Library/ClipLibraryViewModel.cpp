@@ -172,6 +172,40 @@ void ClipLibraryViewModel::saveDraft() {
     showNotice(*outcome == ClipEditOutcome::reverted ? "Back to the original" : "Saved");
 }
 
+std::string ClipLibraryViewModel::exportFile(const ClipImageReader& readImage) const {
+    std::vector<Uuid> pinned;
+    for (const ClipItem& pin : engine_.pins().get()) pinned.push_back(pin.id);
+    return exportClips(engine_.library(), pinned, readImage, now_());
+}
+
+std::expected<ClipImportResult, ClipImportError> ClipLibraryViewModel::importFile(
+    std::string_view text) {
+    auto file = readClipExport(text);
+    if (!file) {
+        showNotice(file.error().message);
+        return std::unexpected(file.error());
+    }
+    std::vector<Uuid> pinned;
+    for (const ClipItem& pin : engine_.pins().get()) pinned.push_back(pin.id);
+    ClipImportResult result = mergeClipExport(engine_.library(), pinned, std::move(*file));
+    if (!engine_.adoptImport(result.library, result.newPins)) {
+        const ClipImportError closed{ClipImportError::Code::badRecord,
+                                     "This file can’t be imported while the history is closed."};
+        showNotice(closed.message);
+        return std::unexpected(closed);
+    }
+    const ClipImportCounts& c = result.counts;
+    std::string notice =
+        "Added " + std::to_string(c.addedItems) + (c.addedItems == 1 ? " copy" : " copies");
+    if (c.addedPinboards > 0) {
+        notice += " and " + std::to_string(c.addedPinboards) +
+                  (c.addedPinboards == 1 ? " pinboard" : " pinboards");
+    }
+    if (c.keptItems > 0) notice += "; " + std::to_string(c.keptItems) + " were here already";
+    showNotice(notice);
+    return result;
+}
+
 std::optional<std::string> ClipLibraryViewModel::emptyState() const {
     if (section_.kind == ClipLibrarySection::Kind::pinboard && items_.empty() && query_.empty()) {
         return std::string(kEmptyPinboard);

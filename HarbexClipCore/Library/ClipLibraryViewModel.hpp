@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "HarbexClipCore/Library/ClipExport.hpp"
 #include "HarbexClipCore/Library/ClipLibraryCounts.hpp"
 #include "HarbexClipCore/Library/ClipLibraryEngine.hpp"
 #include "HarbexClipCore/Library/ClipLibraryListing.hpp"
@@ -69,6 +70,14 @@ public:
     const std::optional<std::string>& notice() const { return notice_; }
     const std::optional<ClipTargetApp>& target() const { return target_; }
     const std::string& draft() const { return draft_; }
+
+    // The export file of the whole library and its pins ("One file with your copies, pins and
+    // pinboards."); `readImage` supplies image bytes.
+    std::string exportFile(const ClipImageReader& readImage) const;
+    // Checks `text` whole, then merges it into the engine's library. A refused file changes
+    // nothing. The images of the added copies come back for the caller to store beside the
+    // history; the notice says what was added.
+    std::expected<ClipImportResult, ClipImportError> importFile(std::string_view text);
 
     // "This pinboard is empty" for a pinboard without copies; nothing otherwise.
     std::optional<std::string> emptyState() const;

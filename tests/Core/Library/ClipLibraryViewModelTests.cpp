@@ -167,6 +167,42 @@ TEST_F(ClipLibraryViewModelTests, DetailLinesSayWhatTheCopyIs) {
     }
 }
 
+TEST_F(ClipLibraryViewModelTests, ExportThenImportIntoAnotherLibraryAndRefuseADamagedFile) {
+    ClipItem a = textItem("alpha", kNow), b = imageItem("img", kNow - 5);
+    start({a, b});
+    engine.addPinboard({Uuid::random(), "Work", "", "", {b.id}});
+    ASSERT_TRUE(engine.pin(a.id));
+    const std::string file = model->exportFile([](const ClipImageInfo&) -> std::optional<Bytes> {
+        return Bytes{1, 2, 3};
+    });
+
+    FixedClock otherClock(kNow);
+    ManualScheduler otherScheduler(&otherClock);
+    MemoryClipEngine other(otherClock, otherScheduler);
+    ClipItem mine = textItem("mine", kNow - 100);
+    other.setItems({mine});
+    ClipLibraryViewModel receiver(other, nowFunction(otherClock), librarytest::london());
+
+    const int publishedBefore = other.publishCount;
+    std::string damaged = file;
+    damaged.replace(damaged.find("\"images\""), 8, "\"imagez\"");
+    const auto refused = receiver.importFile(damaged);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(other.publishCount, publishedBefore) << "a refused file changes nothing";
+    EXPECT_EQ(other.model.items(), std::vector<ClipItem>{mine});
+    EXPECT_EQ(receiver.notice(), refused.error().message);
+
+    const auto imported = receiver.importFile(file);
+    ASSERT_TRUE(imported) << imported.error().message;
+    EXPECT_EQ(receiver.notice(), "Added 2 copies and 1 pinboard");
+    EXPECT_EQ(receiver.counts().all, 3);
+    EXPECT_EQ(receiver.counts().pinned, 1);
+    EXPECT_EQ(imported->images.size(), 1u);
+    EXPECT_TRUE(receiver.importFile(file));
+    EXPECT_EQ(receiver.notice(), "Added 0 copies; 2 were here already");
+    EXPECT_EQ(other.model.items().size(), 3u);
+}
+
 TEST(ClipLibraryModelTests, SortsBreakTiesByNewest) {
     FixedClock clock(kNow);
     ManualScheduler scheduler(&clock);
