@@ -182,19 +182,20 @@ ClipImportResult mergeClipExport(const ClipLibrary& existing, const std::vector<
                 return FoldedText::fold(mine.name) == name;
             });
         }
-        if (match == result.library.pinboards.end()) {
+        const bool isNewBoard = match == result.library.pinboards.end();
+        if (isNewBoard) {
             board.itemIDs.clear();
-            for (const Uuid& id : ids) {
-                if (std::ranges::find(board.itemIDs, id) == board.itemIDs.end())
-                    board.itemIDs.push_back(id);
-            }
             result.library.pinboards.push_back(std::move(board));
+            match = result.library.pinboards.end() - 1;
+        }
+        // A hashed set keeps appending linear however large the board.
+        std::unordered_set<Uuid> onBoard(match->itemIDs.begin(), match->itemIDs.end());
+        for (const Uuid& id : ids) {
+            if (onBoard.insert(id).second) match->itemIDs.push_back(id);
+        }
+        if (isNewBoard) {
             ++result.counts.addedPinboards;
             continue;
-        }
-        for (const Uuid& id : ids) {
-            if (std::ranges::find(match->itemIDs, id) == match->itemIDs.end())
-                match->itemIDs.push_back(id);
         }
         ++result.counts.mergedPinboards;
     }
