@@ -21,6 +21,10 @@ using namespace testing_x11;
 class DesktopFolder {
 public:
     DesktopFolder() {
+        for (const char* name : kVariables) {
+            const char* value = std::getenv(name);
+            saved_.emplace_back(name, value ? std::optional<std::string>(value) : std::nullopt);
+        }
         root_ = std::filesystem::temp_directory_path() /
                 ("harbex-desktop-" + std::to_string(::getpid()));
         std::filesystem::create_directories(root_ / "applications");
@@ -29,7 +33,15 @@ public:
         ::setenv("XDG_CONFIG_HOME", root_.c_str(), 1);
         ::setenv("XDG_CONFIG_DIRS", (root_ / "none").c_str(), 1);
     }
-    ~DesktopFolder() { std::filesystem::remove_all(root_); }
+    ~DesktopFolder() {
+        std::filesystem::remove_all(root_);
+        for (const auto& [name, value] : saved_) {
+            if (value)
+                ::setenv(name, value->c_str(), 1);
+            else
+                ::unsetenv(name);
+        }
+    }
     void add(const std::string& id, const std::string& text) {
         std::ofstream(root_ / "applications" / (id + ".desktop")) << text;
     }
@@ -39,7 +51,10 @@ public:
     }
 
 private:
+    static constexpr const char* kVariables[]{"XDG_DATA_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_HOME",
+                                              "XDG_CONFIG_DIRS", "LANG"};
     std::filesystem::path root_;
+    std::vector<std::pair<const char*, std::optional<std::string>>> saved_;
 };
 
 TEST(DesktopEntriesTests, WindowsAreMatchedToDesktopFilesAsTheShellDoes) {
@@ -73,7 +88,6 @@ TEST(DesktopEntriesTests, WindowsAreMatchedToDesktopFilesAsTheShellDoes) {
     folder.setDefault("inode/directory", "org.gnome.Nautilus");
     EXPECT_EQ(DesktopEntries::defaultHandler("inode/directory"), "org.gnome.Nautilus");
     EXPECT_EQ(DesktopEntries::defaultHandler("text/plain"), std::nullopt);
-    ::unsetenv("LANG");
 }
 
 class X11FrontmostTests : public testing::Test {
@@ -128,6 +142,9 @@ TEST_F(X11FrontmostTests, OurOwnWindowIsSeenBroughtForwardAndSkippedAsFallback) 
     const auto own = static_cast<std::uint32_t>(::getpid());
     TestWindow other(sharedServer().display(), "othertool", "OtherTool", 5151);
     TestWindow ours(sharedServer().display(), "harbex", "Harbex", own);
+    // Both windows managed (the window manager focuses new windows) before the real start.
+    activate(ours);
+    ASSERT_TRUE(frontPidBecomes(std::int32_t(own)));
     activate(other);
     ASSERT_TRUE(frontPidBecomes(5151));
     EXPECT_TRUE(eventually([&] { return frontmost_->hasVisibleWindow(); }));
