@@ -1,8 +1,75 @@
 #include <QApplication>
+#include <QIcon>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "HarbexClip/App/AppDelegate.hpp"
+#include "HarbexClip/App/ClipCommand.hpp"
+#include "HarbexClip/App/ClipInstance.hpp"
+
+namespace {
+
+// The X11 layer needs an X display. Tests may run Qt offscreen, where only commands for a copy
+// already running make sense.
+bool hasGraphicalSession() {
+    const char* platform = std::getenv("QT_QPA_PLATFORM");
+    if (platform && std::string(platform) != "xcb") return true;
+    const char* display = std::getenv("DISPLAY");
+    return display && *display;
+}
+
+}  // namespace
 
 int main(int argc, char* argv[]) {
-    QApplication app(argc, argv);
+    using namespace harbex;
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    const ClipCommandLine line = parseCommandLine(arguments);
+    if (line.help) {
+        std::fputs(commandLineHelp().c_str(), stdout);
+        return 0;
+    }
+    if (line.version) {
+        std::printf("Harbex Clipboard %s\n", HARBEX_VERSION);
+        return 0;
+    }
+    if (line.error) {
+        std::fprintf(stderr, "%s\n", line.error->c_str());
+        return 2;
+    }
+    if (!hasGraphicalSession()) {
+        std::fputs("Harbex Clipboard needs a graphical session (no DISPLAY is set).\n", stderr);
+        return 1;
+    }
+    // Our clipboard, keys and windows speak X11; under Wayland that is XWayland.
+    if (!std::getenv("QT_QPA_PLATFORM")) ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+
+    QApplication application(argc, argv);
+    Q_INIT_RESOURCE(HarbexClip);
     QApplication::setApplicationName("Harbex Clipboard");
+    QApplication::setApplicationVersion(HARBEX_VERSION);
+    QApplication::setOrganizationDomain("harbexapps.app");
     QApplication::setDesktopFileName("app.harbexapps.clip");
-    return 0;
+    QApplication::setWindowIcon(QIcon(":/harbex/app.harbexapps.clip.svg"));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    ClipInstance instance;
+    switch (instance.claim(line.command)) {
+        case ClipInstance::Claim::handedOver: return 0;
+        case ClipInstance::Claim::failed:
+            std::fputs("Harbex Clipboard is already running but didn’t answer.\n", stderr);
+            return 1;
+        case ClipInstance::Claim::primary:
+        case ClipInstance::Claim::noBus: break;
+    }
+
+    AppDelegate delegate;
+    if (auto problem = delegate.start(line.command)) {
+        std::fprintf(stderr, "%s\n", problem->c_str());
+        return 1;
+    }
+    QObject::connect(&instance, &ClipInstance::requested, &delegate, &AppDelegate::perform);
+    return application.exec();
 }

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <QPointer>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+#include "HarbexClip/App/ClipApp.hpp"
+#include "HarbexClip/App/ClipAutostart.hpp"
+#include "HarbexClip/App/ClipCommand.hpp"
+#include "HarbexClip/App/X11EventPump.hpp"
+#include "HarbexClip/Views/SettingsWindow.hpp"
+
+namespace harbex {
+
+// Whether the library shows at launch: never at a login start; always after a self-relaunch
+// (marked less than a minute ago); otherwise as "clipShowAtLaunch" says (on when never set).
+bool showsLibraryAtLaunch(ClipCommand command, std::optional<Date> relaunchMarkedAt,
+                          std::optional<bool> showAtLaunch, Date now);
+
+// The application shell: assembles the system, starts sampling, puts the tray icon up, answers
+// commands from later starts and saves before the process ends. Main thread.
+class AppDelegate final : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr double kSampleInterval = 0.5;
+    static constexpr const char* kShowAtLaunchKey = "clipShowAtLaunch";
+    static constexpr const char* kRelaunchMarkKey = "harbex.launch.relaunchMarkedAt";
+
+    explicit AppDelegate(QObject* parent = nullptr);
+    ~AppDelegate() override;
+
+    // Builds everything and starts; an error sentence when the system cannot run.
+    std::optional<std::string> start(ClipCommand command);
+
+    // Answers a command, from the command line or from a later start.
+    void perform(ClipCommand command);
+
+    void showPanel();
+    void showLibrary();
+    void showSettings(std::optional<ClipSettingsPage> page = std::nullopt);
+    void togglePause();
+    void clearHistory();
+
+    ClipApp* app() { return app_.get(); }
+    SettingsWindow* settingsWindow() { return settingsWindow_; }
+
+private:
+    void startSampling();
+    void buildTray();
+    void refreshTray();
+    void applySettings(const ClipSettings& settings);
+    std::vector<std::pair<std::string, std::string>> applications();
+
+    std::unique_ptr<ClipApp> app_;
+    ClipAutostart autostart_;
+    QTimer* timer_ = nullptr;
+    Subscription settingsWatch_;
+    Subscription historyWatch_;
+    Subscription problemWatch_;
+    std::unique_ptr<X11EventPump> pump_;
+    bool sampleQueued_ = false;
+    QSystemTrayIcon* tray_ = nullptr;
+    std::unique_ptr<QMenu> trayMenu_;
+    QPointer<SettingsWindow> settingsWindow_;
+    std::optional<ClipSettings> lastSettings_;
+};
+
+}  // namespace harbex
