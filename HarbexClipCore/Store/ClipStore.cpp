@@ -140,11 +140,25 @@ ClipStoreResult<void> ClipStore::saveNow(const ClipLibrary& library) {
 }
 
 void ClipStore::save(ClipLibrary library) {
-    std::lock_guard guard(saveLock_);
+    std::unique_lock guard(saveLock_);
     pendingSave_ = std::move(library);
     if (draining_) return;
     draining_ = true;
-    if (!saveQueue_.joinable()) saveQueue_ = std::thread([this] { runSaveThread(); });
+    if (!saveQueue_.joinable()) {
+        try {
+            saveQueue_ = std::thread([this] { runSaveThread(); });
+        } catch (const std::system_error&) {
+            // No thread to be had: write on the caller's thread rather than lose the snapshot.
+            ClipLibrary snapshot = std::move(*pendingSave_);
+            pendingSave_.reset();
+            draining_ = false;
+            const auto handler = saveFailureHandler_;
+            guard.unlock();
+            drainFinished_.notify_all();
+            if (auto saved = saveNow(snapshot); !saved && handler) handler(saved.error());
+            return;
+        }
+    }
     drainQueued_.notify_one();
 }
 
