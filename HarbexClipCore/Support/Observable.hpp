@@ -56,6 +56,13 @@ public:
         if (value == value_) return;
         set(std::move(value));
     }
+    // Changes the value in place and publishes it: for large values of which little changes,
+    // where building a whole new value would cost more than the change.
+    template <class Change>
+    void modify(Change&& change) {
+        std::forward<Change>(change)(value_);
+        notify();
+    }
 
     [[nodiscard]] Subscription subscribe(std::function<void(const T&)> observer) {
         auto entry = std::make_shared<Entry>(Entry{std::move(observer), true});

@@ -1,0 +1,905 @@
+#include "HarbexClipCore/Capture/ClipEngine.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "HarbexClipCore/Capture/CaptureText.hpp"
+#include "HarbexClipCore/Capture/FileUrls.hpp"
+#include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
+#include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
+#include "HarbexClipCore/Text/ClipTransform.hpp"
+
+namespace harbex {
+
+std::string keychainProblemMessage() {
+    return "Harbex Clipboard can’t read its key from the keychain yet, so your history stays "
+           "closed for now and nothing new is kept. It tries again every half minute.";
+}
+
+std::string unreadableHistoryProblemMessage(ClipKeyVocabulary vocabulary) {
+    return "The saved history couldn’t be opened with this " +
+           std::string(computerName(vocabulary)) +
+           "’s key, so Harbex Clipboard started a new one. The old file was kept.";
+}
+
+std::string saveProblemMessage(const ClipStoreError& error) {
+    return "Harbex Clipboard couldn’t save its history: " + error.description();
+}
+
+namespace {
+
+// A history that exists but cannot be read for another reason (a file-system failure, or an
+// unreadable file that could not be moved aside) stays closed, so nothing overwrites it.
+std::string openProblemMessage(const ClipStoreError& error) {
+    return "Harbex Clipboard couldn’t open its history: " + error.description();
+}
+
+bool isTypedText(ClipKind kind) {
+    return kind == ClipKind::text || kind == ClipKind::richText || kind == ClipKind::code;
+}
+
+// The settings that shape an entry after detection: details, tracking parameters of links,
+// blank copies and how images are kept. Returns a refusal when the entry is not to be kept.
+std::optional<SkipReason> adjustForSettings(DetectedClip& detected,
+                                            const PasteboardSnapshot* snapshot,
+                                            const ClipSettings& settings) {
+    ClipItem& item = detected.item;
+    if (settings.window.ignoresSpacesOnly && isTypedText(item.kind) &&
+        trimmingWhiteSpace(item.text ? std::string_view(*item.text) : "").empty()) {
+        return SkipReason::tooShort();
+    }
+    if (!settings.window.recognisesDetails) item.details.clear();
+    if (settings.window.stripsTrackingOnCopy && item.kind == ClipKind::link && item.text) {
+        if (auto stripped = applyTransform(ClipTransform::stripTrackingFromLink, *item.text);
+            stripped && *stripped != *item.text) {
+            item.text = std::move(*stripped);
+            item.fingerprint = fingerprint(item.kind, item.text, item.filePaths, std::nullopt);
+        }
+    }
+    // Detection stores a smaller lossless encoding when there is one; keeping originals undoes
+    // that. The digest names the bytes as copied either way, so repeats still merge.
+    if (settings.window.keepsImages == ClipImageKeeping::original && item.image && snapshot &&
+        snapshot->image && detected.imageData && *detected.imageData != snapshot->image->data) {
+        item.image->type = snapshot->image->type;
+        item.image->byteCount = std::int64_t(snapshot->image->data.size());
+        detected.imageData = snapshot->image->data;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+ClipEngine::ClipEngine(ClipEngineEnvironment environment, ClipEngineOptions options)
+    : pasteboard_(environment.pasteboard),
+      paster_(environment.paster),
+      store_(environment.store),
+      pinsBridge_(environment.pins),
+      defaults_(environment.defaults),
+      frontApp_(std::move(environment.frontApp)),
+      appName_(std::move(environment.appName)),
+      now_(std::move(environment.now)),
+      schedule_(std::move(environment.schedule)),
+      postToMain_(std::move(environment.postToMain)),
+      calendar_(std::move(environment.calendar)),
+      vocabulary_(environment.vocabulary),
+      options_(options),
+      detector_(environment.imageCodec),
+      sampler_(environment.pasteboard) {
+    ClipSettings loaded = ClipSettingsStore::load(defaults_);
+    rules_ = CaptureRuleSettings::from(loaded);
+    settings_.set(std::move(loaded));
+    if (store_) {
+        // Called on the store's thread: the error waits in the shared slot for the main thread.
+        std::weak_ptr<bool> alive = alive_;
+        store_->setSaveFailureHandler(
+            [failures = saveFailures_, post = postToMain_, alive, this](const ClipStoreError& e) {
+                {
+                    std::lock_guard guard(failures->lock);
+                    failures->errors.push_back(e);
+                    failures->waiting.store(true, std::memory_order_release);
+                }
+                if (post) {
+                    post([alive, this] {
+                        if (alive.lock()) takeSaveFailures();
+                    });
+                }
+            });
+    }
+    if (pinsBridge_) pinsBridge_->setOnChange([this] { publishPins(); });
+    publishPins();
+}
+
+ClipEngine::~ClipEngine() {
+    shutdown();
+    if (pinsBridge_) pinsBridge_->setOnChange({});
+    if (store_) store_->setSaveFailureHandler({});
+}
+
+// MARK: Capture
+
+void ClipEngine::sample() {
+    if (isHeld_) return;
+    if (!isHistoryOpen_.get() && !ensureHistoryOpen(OpenAttempt::whenDue)) {
+        // Copies made while the history is closed are never captured later.
+        sampler_.consumeCurrentChange();
+        return;
+    }
+    if (saveFailures_->waiting.load(std::memory_order_acquire)) takeSaveFailures();
+    if (nextExpiry_ && now_() >= *nextExpiry_) sweepExpired();
+
+    if (sampler_.lastCount() == pasteboard_.changeCount()) return;
+    std::optional<std::string> appID = frontApp_ ? frontApp_() : std::nullopt;
+    const SampleInputs inputs{appID, rules_, now_(), access_.get()};
+    SampleResult result = sampler_.sample(inputs);
+    switch (result.kind) {
+        case SampleResult::Kind::unchanged:
+        case SampleResult::Kind::notAllowed:
+        case SampleResult::Kind::empty: return;
+        case SampleResult::Kind::skipped: lastSkip_.setIfChanged(result.skip); return;
+        case SampleResult::Kind::read: capture(*result.snapshot, appID); return;
+    }
+}
+
+void ClipEngine::captureNow() {
+    if (!ensureHistoryOpen(OpenAttempt::whenDue)) {
+        sampler_.consumeCurrentChange();
+        return;
+    }
+    std::optional<std::string> appID = frontApp_ ? frontApp_() : std::nullopt;
+    const SampleInputs inputs{appID, rules_, now_(), access_.get()};
+    SampleResult result = sampler_.captureNow(inputs);
+    if (result.kind == SampleResult::Kind::skipped) {
+        lastSkip_.setIfChanged(result.skip);
+    } else if (result.kind == SampleResult::Kind::read) {
+        capture(*result.snapshot, appID);
+    }
+}
+
+DetectionContext ClipEngine::detectionContext(const std::optional<std::string>& appID,
+                                              const std::optional<std::string>& appName) const {
+    const ClipSettings& settings = settings_.get();
+    DetectionContext context;
+    context.appID = appID;
+    context.appName = appName;
+    context.now = now_();
+    context.sensitiveDetection =
+        settings.detectSensitive ? SensitiveDetection::on : SensitiveDetection::off;
+    context.sensitiveLifetime = settings.sensitiveLifetime;
+    return context;
+}
+
+void ClipEngine::capture(const PasteboardSnapshot& read, const std::optional<std::string>& appID) {
+    const std::optional<std::string> appName =
+        appID && appName_ ? appName_(*appID) : std::optional<std::string>();
+    const DetectionContext context = detectionContext(appID, appName);
+
+    const PasteboardSnapshot* snapshot = &read;
+    PasteboardSnapshot withoutImage;
+    if (read.image && std::int64_t(read.image->data.size()) > settings_->imageLimit) {
+        // An image over the limit is not kept; whatever else the copy offers still may be.
+        withoutImage = read;
+        withoutImage.image.reset();
+        snapshot = &withoutImage;
+    }
+
+    const bool background =
+        snapshot->image && options_.imageDetection == ClipBackgroundWork::on && postToMain_;
+    if (!background) {
+        finishCapture(decideCapture(*snapshot, detector_, context, rules_), snapshot);
+        return;
+    }
+
+    // Decoding a large image takes long enough to be felt: it runs on a worker, the copy is
+    // listed as pending meanwhile and its entry arrives through the main loop.
+    const ClipPendingCapture pendingCapture{Uuid::random(), context.now, appID, appName};
+    auto pendingList = pending_.get();
+    pendingList.push_back(pendingCapture);
+    pending_.set(std::move(pendingList));
+
+    reapWorkers();
+    std::weak_ptr<bool> alive = alive_;
+    workers_.push_back(
+        std::async(std::launch::async, [this, alive, post = postToMain_, context, rules = rules_,
+                                        snapshot = *snapshot, id = pendingCapture.id]() mutable {
+            CaptureDecision decision = decideCapture(snapshot, detector_, context, rules);
+            post([this, alive, id, decision = std::move(decision),
+                  snapshot = std::move(snapshot)]() mutable {
+                if (!alive.lock()) return;
+                auto list = pending_.get();
+                std::erase_if(list, [&](const ClipPendingCapture& p) { return p.id == id; });
+                pending_.set(std::move(list));
+                if (decision.clip) decision.clip->item.id = id;
+                finishCapture(std::move(decision), &snapshot);
+            });
+        }));
+}
+
+void ClipEngine::finishCapture(CaptureDecision decision, const PasteboardSnapshot* snapshot) {
+    if (decision.skip) {
+        lastSkip_.setIfChanged(decision.skip);
+        return;
+    }
+    if (!decision.clip || !isHistoryOpen_.get()) return;
+    if (auto skip = adjustForSettings(*decision.clip, snapshot, settings_.get())) {
+        lastSkip_.setIfChanged(skip);
+        return;
+    }
+    if (keep(std::move(*decision.clip))) lastSkip_.setIfChanged(std::nullopt);
+}
+
+bool ClipEngine::keep(DetectedClip detected) {
+    ClipItem fresh = std::move(detected.item);
+    if (const ClipItem* known = model_.itemWithFingerprint(fresh.fingerprint)) {
+        // A repeat: the existing entry comes to the top and remembers this copy; the user's
+        // edits, title and counters stay.
+        ClipItem merged = *known;
+        merged.date = fresh.date;
+        ++merged.timesCopied;
+        merged.appID = std::move(fresh.appID);
+        merged.appName = std::move(fresh.appName);
+        if (fresh.isSensitive) {
+            merged.isSensitive = true;
+            merged.expiresAt = fresh.expiresAt;
+        }
+        noteExpiry(merged);
+        searchEntries_.put(merged);
+        modelMoveToFront(std::move(merged));
+        changed();
+        return true;
+    }
+
+    // A pin made in the sibling application has no entry yet: the copy takes its identity, so
+    // the pin and the entry are one.
+    for (const ClipItem& pinned : pins_.get()) {
+        if (pinned.fingerprint == fresh.fingerprint && !model_.item(pinned.id)) {
+            fresh.id = pinned.id;
+            break;
+        }
+    }
+    if (fresh.image && store_ && detected.imageData) {
+        if (auto stored = storeImage(fresh, detected); !stored) {
+            // An image entry without its bytes could be neither shown nor pasted.
+            setProblem(saveProblemMessage(stored.error()));
+            return false;
+        }
+    }
+    noteExpiry(fresh);
+    searchEntries_.put(fresh);
+    modelInsert(std::move(fresh));
+    changed();
+    return true;
+}
+
+ClipStoreResult<void> ClipEngine::storeImage(const ClipItem& item, const DetectedClip& detected) {
+    const std::string& name = item.image->digest;
+    if (auto written = store_->writeImage(*detected.imageData, name); !written) return written;
+    if (detected.thumbnail) return store_->writeThumbnail(*detected.thumbnail, name);
+    return {};
+}
+
+void ClipEngine::removeImages(const std::vector<ClipItem>& removed) {
+    if (!store_) return;
+    for (const ClipItem& item : removed) {
+        if (!item.image || item.image->digest.empty()) continue;
+        // Images are named by digest: another entry may still show the same picture.
+        const bool shared = std::ranges::any_of(model_.items(), [&](const ClipItem& other) {
+            return other.image && other.image->digest == item.image->digest;
+        });
+        // A file left behind costs space only; it is not worth a message.
+        if (!shared) (void)store_->removeImage(item.image->digest);
+    }
+}
+
+// MARK: Opening
+
+bool ClipEngine::ensureHistoryOpen(OpenAttempt attempt) {
+    if (isHistoryOpen_.get()) return true;
+    const Date now = now_();
+    if (attempt == OpenAttempt::whenDue && nextOpenAttempt_ && now < *nextOpenAttempt_)
+        return false;
+    nextOpenAttempt_ = now + kOpenRetryInterval;
+
+    ClipLibrary library;
+    bool startedAfresh = false;
+    if (store_) {
+        auto loaded = store_->load();
+        if (loaded) {
+            library = std::move(*loaded);
+        } else if (loaded.error().is(ClipStoreError::Case::keychain)) {
+            setProblem(keychainProblemMessage());
+            return false;
+        } else if (loaded.error().is(ClipStoreError::Case::file)) {
+            setProblem(openProblemMessage(loaded.error()));
+            return false;
+        } else {
+            // The file is there but does not open or does not decode: it is moved aside, never
+            // overwritten, and a new history begins.
+            if (auto aside = store_->setAsideUnreadable(); !aside) {
+                setProblem(openProblemMessage(aside.error()));
+                return false;
+            }
+            startedAfresh = true;
+        }
+    }
+
+    modelReset(std::move(library));
+    sampler_.consumeCurrentChange();
+    searchEntries_.rebuild(model_.items());
+    recomputeNextExpiry();
+    isHistoryOpen_.set(true);
+    if (startedAfresh) setProblem(unreadableHistoryProblemMessage(vocabulary_));
+    const std::vector<ClipItem> removed = prune();
+    removeImages(removed);
+    publish();
+    if (!removed.empty() || startedAfresh) scheduleSave();
+    scheduleExpirySweep();
+    if (problem_.get() == keychainProblemMessage()) setProblem(std::nullopt);
+    return true;
+}
+
+// MARK: Keeping the history in shape
+
+void ClipEngine::changed() {
+    removeImages(prune());
+    publish();
+    scheduleSave();
+    scheduleExpirySweep();
+}
+
+std::vector<ClipItem> ClipEngine::prune() {
+    const ClipSettings& settings = settings_.get();
+    const Date now = now_();
+    std::vector<ClipItem> removed =
+        model_.prune(now, settings.retention,
+                     std::size_t(std::max<std::int64_t>(0, settings.maxItems)), pinnedIDs());
+    modelRemoved(removed);
+    // Removing copies never makes the bound wrong: it only moves on once it is due.
+    if (nextExpiry_ && *nextExpiry_ <= now) recomputeNextExpiry();
+    return removed;
+}
+
+void ClipEngine::modelInsert(ClipItem item) {
+    historyEdits_.push_back([item](std::vector<ClipItem>& items) mutable {
+        items.insert(items.begin(), std::move(item));
+    });
+    model_.insertAtFront(std::move(item));
+}
+
+void ClipEngine::modelMoveToFront(ClipItem item) {
+    historyEdits_.push_back([item](std::vector<ClipItem>& items) mutable {
+        auto found = std::ranges::find(items, item.id, &ClipItem::id);
+        if (found == items.end()) {
+            items.insert(items.begin(), std::move(item));
+            return;
+        }
+        std::rotate(items.begin(), found, found + 1);
+        items.front() = std::move(item);
+    });
+    model_.moveToFront(std::move(item));
+}
+
+void ClipEngine::modelReplace(ClipItem item) {
+    historyEdits_.push_back([item](std::vector<ClipItem>& items) mutable {
+        auto found = std::ranges::find(items, item.id, &ClipItem::id);
+        if (found != items.end()) *found = std::move(item);
+    });
+    model_.replace(std::move(item));
+}
+
+void ClipEngine::modelRemoved(const std::vector<ClipItem>& removed) {
+    if (removed.empty()) return;
+    ClipIDSet ids;
+    for (const ClipItem& item : removed) {
+        searchEntries_.remove(item.id);
+        ids.insert(item.id);
+    }
+    historyEdits_.push_back([ids = std::move(ids)](std::vector<ClipItem>& items) {
+        std::erase_if(items, [&](const ClipItem& item) { return ids.contains(item.id); });
+    });
+}
+
+void ClipEngine::modelReset(ClipLibrary library) {
+    model_.setLibrary(std::move(library));
+    historyEdits_.clear();
+    historyReset_ = true;
+}
+
+void ClipEngine::publish() {
+    if (historyReset_) {
+        historyReset_ = false;
+        historyEdits_.clear();
+        history_.set(model_.items());
+    } else if (!historyEdits_.empty()) {
+        auto edits = std::exchange(historyEdits_, {});
+        history_.modify([&](std::vector<ClipItem>& items) {
+            for (auto& edit : edits) edit(items);
+        });
+    }
+    pinboards_.setIfChanged(model_.pinboards());
+    publishPins();
+}
+
+void ClipEngine::publishPins() {
+    std::vector<ClipItem> pinned;
+    if (pinsBridge_) {
+        pinned = pinsBridge_->pinnedItems();
+        // The history's own copy carries more than the shared record (formatting, counters).
+        for (ClipItem& item : pinned) {
+            if (const ClipItem* own = model_.item(item.id)) item = *own;
+        }
+    }
+    pins_.setIfChanged(std::move(pinned));
+}
+
+void ClipEngine::noteExpiry(const ClipItem& item) {
+    if (item.expiresAt && (!nextExpiry_ || *item.expiresAt < *nextExpiry_))
+        nextExpiry_ = item.expiresAt;
+}
+
+void ClipEngine::recomputeNextExpiry() {
+    nextExpiry_.reset();
+    const ClipIDSet protectedSet = model_.protectedIDs(pinnedIDs());
+    for (const ClipItem& item : model_.items()) {
+        if (item.expiresAt && !protectedSet.contains(item.id)) noteExpiry(item);
+    }
+}
+
+void ClipEngine::scheduleExpirySweep() {
+    if (!nextExpiry_ || sweepScheduled_ || !schedule_) return;
+    sweepScheduled_ = true;
+    // At the expiry, but never later than one interval from now, so that a clock that jumped
+    // (a machine asleep) is noticed soon.
+    const double delay =
+        std::clamp(*nextExpiry_ - now_(), 0.0, std::max(0.0, options_.expirySweepInterval));
+    std::weak_ptr<bool> alive = alive_;
+    schedule_(delay, [this, alive, generation = generation_] {
+        if (!alive.lock() || generation != generation_) return;
+        sweepScheduled_ = false;
+        sweepExpired();
+        scheduleExpirySweep();
+    });
+}
+
+void ClipEngine::sweepExpired() {
+    if (!isHistoryOpen_.get() || !nextExpiry_ || now_() < *nextExpiry_) return;
+    const std::vector<ClipItem> removed = prune();
+    if (removed.empty()) return;
+    removeImages(removed);
+    publish();
+    scheduleSave();
+}
+
+// MARK: Saving
+
+void ClipEngine::scheduleSave() {
+    if (!store_ || !isHistoryOpen_.get() || saveScheduled_) return;
+    saveScheduled_ = true;
+    std::weak_ptr<bool> alive = alive_;
+    schedule_(options_.saveDelay, [this, alive, generation = generation_] {
+        if (!alive.lock() || generation != generation_ || !saveScheduled_) return;
+        performSave();
+    });
+}
+
+void ClipEngine::performSave() {
+    saveScheduled_ = false;
+    if (!store_ || !isHistoryOpen_.get()) return;
+    if (options_.saving == ClipBackgroundWork::on) {
+        store_->save(model_.library());
+        return;
+    }
+    if (auto saved = store_->saveNow(model_.library()); !saved)
+        setProblem(saveProblemMessage(saved.error()));
+}
+
+void ClipEngine::takeSaveFailures() {
+    std::vector<ClipStoreError> errors;
+    {
+        std::lock_guard guard(saveFailures_->lock);
+        errors.swap(saveFailures_->errors);
+        saveFailures_->waiting.store(false, std::memory_order_release);
+    }
+    if (!errors.empty()) setProblem(saveProblemMessage(errors.back()));
+}
+
+void ClipEngine::setProblem(std::optional<std::string> problem) {
+    problem_.setIfChanged(std::move(problem));
+}
+
+void ClipEngine::shutdown() {
+    for (auto& worker : workers_) worker.wait();
+    workers_.clear();
+    if (saveScheduled_) {
+        ++generation_;  // the scheduled block does nothing now
+        performSave();
+    }
+    if (store_) store_->waitForSaves();
+    takeSaveFailures();
+}
+
+void ClipEngine::reapWorkers() {
+    std::erase_if(workers_, [](const std::future<void>& worker) {
+        return worker.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    });
+}
+
+// MARK: Pause and settings
+
+void ClipEngine::pause(std::optional<Date> until) {
+    ClipSettings settings = settings_.get();
+    settings.pausedUntil = until.value_or(Date::distantFuture());
+    storeSettings(std::move(settings));
+}
+
+void ClipEngine::pauseFor(double seconds) { pause(now_() + seconds); }
+
+void ClipEngine::pauseUntilTomorrow() {
+    pause(calendar_.addingDays(calendar_.startOfDay(now_()), 1));
+}
+
+void ClipEngine::resume() {
+    ClipSettings settings = settings_.get();
+    settings.pausedUntil.reset();
+    storeSettings(std::move(settings));
+}
+
+bool ClipEngine::isPaused() const {
+    return settings_->pausedUntil && *settings_->pausedUntil > now_();
+}
+
+void ClipEngine::updateSettings(ClipSettings settings) { storeSettings(std::move(settings)); }
+
+void ClipEngine::storeSettings(ClipSettings settings) {
+    const bool limitsChanged =
+        settings.retention != settings_->retention || settings.maxItems != settings_->maxItems;
+    ClipSettingsStore::save(settings, defaults_);
+    rules_ = CaptureRuleSettings::from(settings);
+    settings_.set(std::move(settings));
+    if (limitsChanged && isHistoryOpen_.get()) {
+        const std::vector<ClipItem> removed = prune();
+        if (!removed.empty()) {
+            removeImages(removed);
+            publish();
+            scheduleSave();
+        }
+    }
+}
+
+// MARK: Pasting
+
+ClipPayload ClipEngine::payloadFor(const ClipItem& item, ClipPasteForm form) {
+    ClipPayload payload;
+    switch (item.kind) {
+        case ClipKind::file:
+            if (item.filePaths) {
+                for (const std::string& path : *item.filePaths) {
+                    if (!path.empty() && path.front() == '/')
+                        payload.fileURLs.push_back(fileUrlFromPath(path));
+                }
+            }
+            break;
+        case ClipKind::image:
+            if (item.image && store_) {
+                if (auto bytes = store_->readImage(item.image->digest))
+                    payload.image = ClipImagePayload{item.image->type, std::move(*bytes)};
+            }
+            break;
+        case ClipKind::link:
+            payload.text = item.text;
+            payload.url = item.text;
+            break;
+        default:
+            payload.text = item.text;
+            if (form == ClipPasteForm::rich) {
+                payload.rtf = item.rtf;
+                payload.html = item.html;
+            }
+            break;
+    }
+    payload.concealed = item.isSensitive && !isEmpty(payload);
+    return payload;
+}
+
+PasteResult ClipEngine::deliver(const Uuid& id, ClipPasteForm form,
+                                const std::optional<ClipTargetApp>& target) {
+    const std::optional<ClipItem> found = item(id);
+    if (!found) return PasteResult{PasteOutcome::failed, pasteboard_.changeCount()};
+    const PasteResult result = paster_.paste(payloadFor(*found, form), target);
+    if (result.outcome == PasteOutcome::failed) return result;
+    sampler_.setLastCount(result.changeCount);
+
+    const ClipItem* live = model_.item(id);
+    if (!live || !isHistoryOpen_.get()) return result;
+    ClipItem touched = *live;
+    const Date now = now_();
+    if (result.outcome == PasteOutcome::pasted) {
+        ++touched.timesPasted;
+        touched.lastPasted = now;
+    }
+    if (isPinned(id)) {
+        searchEntries_.put(touched);
+        modelReplace(std::move(touched));
+    } else {
+        // Used again: it counts as recent, so it comes to the top with today's date.
+        touched.date = now;
+        searchEntries_.put(touched);
+        modelMoveToFront(std::move(touched));
+    }
+    changed();
+    return result;
+}
+
+PasteResult ClipEngine::paste(const Uuid& id, std::optional<ClipPasteForm> form,
+                              const std::optional<ClipTargetApp>& target) {
+    const ClipPasteForm chosen =
+        form.value_or(settings_->pastesPlainByDefault ? ClipPasteForm::plain : ClipPasteForm::rich);
+    return deliver(id, chosen, target);
+}
+
+PasteResult ClipEngine::paste(const ClipItem& item, std::optional<ClipPasteForm> form,
+                              const std::optional<ClipTargetApp>& target) {
+    return paste(item.id, form, target);
+}
+
+PasteResult ClipEngine::pasteText(const std::string& text,
+                                  const std::optional<ClipTargetApp>& target) {
+    ClipPayload payload;
+    if (!text.empty()) payload.text = text;
+    const PasteResult result = paster_.paste(payload, target);
+    if (result.outcome != PasteOutcome::failed) sampler_.setLastCount(result.changeCount);
+    return result;
+}
+
+PasteResult ClipEngine::copy(const Uuid& id) {
+    return deliver(id, ClipPasteForm::rich, std::nullopt);
+}
+
+PasteResult ClipEngine::copy(const ClipItem& item) { return copy(item.id); }
+
+// MARK: Editing
+
+std::optional<ClipItem> ClipEngine::item(const Uuid& id) const {
+    if (const ClipItem* own = model_.item(id)) return *own;
+    for (const ClipItem& pinned : pins_.get()) {
+        if (pinned.id == id) return pinned;
+    }
+    return std::nullopt;
+}
+
+ClipIDSet ClipEngine::pinnedIDs() const {
+    ClipIDSet ids;
+    if (!pinsBridge_) return ids;
+    for (const Uuid& id : pinsBridge_->pinnedIDs()) ids.insert(id);
+    return ids;
+}
+
+bool ClipEngine::isPinned(const Uuid& id) const { return pinsBridge_ && pinsBridge_->isPinned(id); }
+
+ClipIDSet ClipEngine::pinnedOrOnPinboard() const { return model_.protectedIDs(pinnedIDs()); }
+
+std::size_t ClipEngine::remove(std::span<const Uuid> ids) {
+    if (!isHistoryOpen_.get()) return 0;
+    const std::vector<ClipItem> removed = model_.remove(ids);
+    modelRemoved(removed);
+    if (pinsBridge_) {
+        for (const Uuid& id : ids) {
+            if (pinsBridge_->isPinned(id)) (void)pinsBridge_->unpin(id);
+        }
+    }
+    removeImages(removed);
+    changed();
+    return removed.size();
+}
+
+bool ClipEngine::remove(const Uuid& id) {
+    const bool wasPinned = isPinned(id);
+    const std::size_t removed = remove(std::span(&id, 1));
+    return removed > 0 || (wasPinned && !isPinned(id));
+}
+
+ClipPinsStatus ClipEngine::pin(const Uuid& id) {
+    if (!pinsBridge_)
+        return std::unexpected(
+            ClipPinsError{ClipPinsError::Code::writeFailed, "pins are not available"});
+    const std::optional<ClipItem> found = item(id);
+    if (!found)
+        return std::unexpected(
+            ClipPinsError{ClipPinsError::Code::notShareable, "the copy is no longer kept"});
+    ClipPinsStatus status = pinsBridge_->pin(*found);
+    publishPins();
+    return status;
+}
+
+ClipPinsStatus ClipEngine::unpin(const Uuid& id) {
+    if (!pinsBridge_) return {};
+    ClipPinsStatus status = pinsBridge_->unpin(id);
+    publishPins();
+    if (status && isHistoryOpen_.get()) {
+        // No longer protected: it may now be over the limits.
+        const std::vector<ClipItem> removed = prune();
+        if (!removed.empty()) {
+            removeImages(removed);
+            publish();
+            scheduleSave();
+        }
+        recomputeNextExpiry();
+        scheduleExpirySweep();
+    }
+    return status;
+}
+
+bool ClipEngine::replaceItem(const Uuid& id, const std::function<bool(ClipItem&)>& change) {
+    if (!isHistoryOpen_.get()) return false;
+    const ClipItem* live = model_.item(id);
+    if (!live) return false;
+    ClipItem changedItem = *live;
+    if (!change(changedItem)) return true;
+    searchEntries_.put(changedItem);
+    noteExpiry(changedItem);
+    modelReplace(std::move(changedItem));
+    changed();
+    return true;
+}
+
+std::optional<ClipEditOutcome> ClipEngine::edit(const Uuid& id, const std::string& text) {
+    std::optional<ClipEditOutcome> outcome;
+    replaceItem(id, [&](ClipItem& item) {
+        outcome = item.edit(text);
+        return *outcome != ClipEditOutcome::unchanged;
+    });
+    return outcome;
+}
+
+std::optional<ClipEditOutcome> ClipEngine::revert(const Uuid& id) {
+    std::optional<ClipEditOutcome> outcome;
+    replaceItem(id, [&](ClipItem& item) {
+        if (!item.original) {
+            outcome = ClipEditOutcome::unchanged;
+            return false;
+        }
+        outcome = item.edit(item.original->text.value_or(std::string()));
+        return *outcome != ClipEditOutcome::unchanged;
+    });
+    return outcome;
+}
+
+bool ClipEngine::setCustomTitle(const Uuid& id, std::optional<std::string> title) {
+    if (title && trimmingWhiteSpace(*title).empty()) title.reset();
+    return replaceItem(id, [&](ClipItem& item) {
+        if (item.customTitle == title) return false;
+        item.customTitle = std::move(title);
+        return true;
+    });
+}
+
+bool ClipEngine::setSensitive(const Uuid& id, ClipSensitivity sensitivity) {
+    const bool sensitive = sensitivity == ClipSensitivity::sensitive;
+    const Date expiry = now_() + settings_->sensitiveLifetime;
+    return replaceItem(id, [&](ClipItem& item) {
+        if (item.isSensitive == sensitive) return false;
+        item.isSensitive = sensitive;
+        if (sensitive) {
+            item.expiresAt = expiry;
+        } else {
+            item.expiresAt.reset();
+        }
+        return true;
+    });
+}
+
+std::size_t ClipEngine::clear(ClipHistory::ClearRange range) {
+    if (!isHistoryOpen_.get()) return 0;
+    const bool keepsPins = settings_->window.clearKeepsPins;
+    const std::vector<ClipItem> removed =
+        model_.clear(range, now_(), calendar_, keepsPins ? pinnedIDs() : ClipIDSet{});
+    modelRemoved(removed);
+    for (const ClipItem& item : removed) {
+        // "Keep pinned copies" off: the pins of cleared copies go too.
+        if (!keepsPins && isPinned(item.id)) (void)pinsBridge_->unpin(item.id);
+    }
+    removeImages(removed);
+    recomputeNextExpiry();
+    changed();
+    return removed.size();
+}
+
+std::optional<ClipItem> ClipEngine::addText(const std::string& text, const ClipItem& from) {
+    if (!isHistoryOpen_.get() || text.empty()) return std::nullopt;
+    ClipContent content;
+    content.kind = ClipKind::text;
+    content.text = text;
+    DetectedClip detected{
+        ClipItem::make(std::move(content), {}, ClipSource{from.appID, from.appName}, now_(),
+                       ClipSensitivity::ordinary),
+        std::nullopt, std::nullopt, from.appID};
+    const std::string fingerprintOfText = detected.item.fingerprint;
+    if (!keep(std::move(detected))) return std::nullopt;
+    if (const ClipItem* kept = model_.itemWithFingerprint(fingerprintOfText)) return *kept;
+    return std::nullopt;
+}
+
+// MARK: Pinboards
+
+bool ClipEngine::addPinboard(Pinboard board) {
+    if (!isHistoryOpen_.get()) return false;
+    model_.addPinboard(std::move(board));
+    changed();
+    return true;
+}
+
+bool ClipEngine::renamePinboard(const Uuid& board, std::string name) {
+    if (!isHistoryOpen_.get() || !model_.renamePinboard(board, std::move(name))) return false;
+    changed();
+    return true;
+}
+
+bool ClipEngine::setPinboardColor(const Uuid& board, std::string color) {
+    if (!isHistoryOpen_.get() || !model_.setPinboardColor(board, std::move(color))) return false;
+    changed();
+    return true;
+}
+
+bool ClipEngine::setPinboardSymbol(const Uuid& board, std::string symbol) {
+    if (!isHistoryOpen_.get() || !model_.setPinboardSymbol(board, std::move(symbol))) return false;
+    changed();
+    return true;
+}
+
+bool ClipEngine::removePinboard(const Uuid& board) {
+    if (!isHistoryOpen_.get() || !model_.removePinboard(board)) return false;
+    // Its copies lose their protection and may now be over the limits.
+    recomputeNextExpiry();
+    changed();
+    return true;
+}
+
+bool ClipEngine::movePinboards(std::span<const std::size_t> fromOffsets, std::size_t toOffset) {
+    if (!isHistoryOpen_.get()) return false;
+    model_.movePinboards(fromOffsets, toOffset);
+    changed();
+    return true;
+}
+
+bool ClipEngine::addToPinboard(const Uuid& board, const Uuid& itemID) {
+    if (!isHistoryOpen_.get() || !model_.pinboard(board)) return false;
+    if (!model_.item(itemID)) {
+        // A pin from the sibling application joins the history so that the board can hold it.
+        const std::optional<ClipItem> pinned = item(itemID);
+        if (!pinned) return false;
+        searchEntries_.put(*pinned);
+        modelInsert(*pinned);
+    }
+    const bool added = model_.addToPinboard(board, itemID);
+    changed();
+    return added;
+}
+
+bool ClipEngine::removeFromPinboard(const Uuid& board, const Uuid& itemID) {
+    if (!isHistoryOpen_.get() || !model_.removeFromPinboard(board, itemID)) return false;
+    recomputeNextExpiry();
+    changed();
+    return true;
+}
+
+bool ClipEngine::moveOnPinboard(const Uuid& board, std::span<const std::size_t> fromOffsets,
+                                std::size_t toOffset) {
+    if (!isHistoryOpen_.get() || !model_.moveOnPinboard(board, fromOffsets, toOffset)) return false;
+    changed();
+    return true;
+}
+
+bool ClipEngine::adoptImport(ClipLibrary merged, const std::vector<Uuid>& pinIDs) {
+    if (!isHistoryOpen_.get()) return false;
+    modelReset(std::move(merged));
+    searchEntries_.rebuild(model_.items());
+    if (pinsBridge_) {
+        for (const Uuid& id : pinIDs) {
+            if (const ClipItem* imported = model_.item(id)) (void)pinsBridge_->pin(*imported);
+        }
+    }
+    recomputeNextExpiry();
+    changed();
+    return true;
+}
+
+}  // namespace harbex

@@ -1,0 +1,191 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Paste/ClipPaster.hpp"
+#include "HarbexClipCore/Store/ClipStore.hpp"
+#include "HarbexClipCore/Testing/FixedClock.hpp"
+#include "HarbexClipCore/Testing/ManualScheduler.hpp"
+#include "HarbexClipCore/Testing/MemoryClipPins.hpp"
+#include "HarbexClipCore/Testing/MemoryDefaults.hpp"
+#include "HarbexClipCore/Testing/MemoryPasteboard.hpp"
+#include "HarbexClipCore/Testing/PngHeaderImageCodec.hpp"
+#include "HarbexClipCore/Testing/RecordingActivator.hpp"
+#include "HarbexClipCore/Testing/RecordingPasteTyper.hpp"
+#include "HarbexClipCore/Testing/ScriptedKeyStore.hpp"
+
+namespace harbex::testing {
+
+// A fresh folder under the temporary folder, removed with everything in it.
+class EngineFolder {
+public:
+    EngineFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "harbex-engine-XXXXXX");
+        path_ = ::mkdtemp(pattern.data());
+    }
+    ~EngineFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    EngineFolder(const EngineFolder&) = delete;
+    EngineFolder& operator=(const EngineFolder&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+// Blocks handed back from other threads, run when the test says so (the main loop's part).
+class MainQueue {
+public:
+    void post(std::function<void()> block) {
+        std::lock_guard guard(lock_);
+        blocks_.push_back(std::move(block));
+    }
+    // Runs what has arrived; returns how many blocks ran.
+    int drain() {
+        int ran = 0;
+        for (;;) {
+            std::function<void()> block;
+            {
+                std::lock_guard guard(lock_);
+                if (blocks_.empty()) return ran;
+                block = std::move(blocks_.front());
+                blocks_.pop_front();
+            }
+            block();
+            ++ran;
+        }
+    }
+
+private:
+    std::mutex lock_;
+    std::deque<std::function<void()>> blocks_;
+};
+
+struct EngineRigOptions {
+    bool withStore = true;
+    ClipEngineOptions engine{.saveDelay = 1.0,
+                             .expirySweepInterval = 30.0,
+                             .imageDetection = ClipBackgroundWork::off,
+                             .saving = ClipBackgroundWork::off};
+    std::string zone = "Europe/Berlin";
+    SealedFileWriter writeFile = {};
+};
+
+// The engine on in-memory doubles and a real store in a temporary folder, on a fixed clock and
+// a manual scheduler. The engine is made by `start()` so a test can prepare the folder first.
+class EngineRig {
+public:
+    explicit EngineRig(EngineRigOptions options = {}) : options_(std::move(options)) {}
+    ~EngineRig() { engine.reset(); }
+
+    ClipEngine& start() {
+        if (options_.withStore && !store) makeStore();
+        engine = std::make_unique<ClipEngine>(
+            ClipEngineEnvironment{
+                .pasteboard = pasteboard,
+                .paster = paster,
+                .store = store.get(),
+                .pins = &pins,
+                .defaults = defaults,
+                .frontApp = [this] { return frontApp; },
+                .appName = [](std::string_view id) -> std::optional<std::string> {
+                    return "Name of " + std::string(id);
+                },
+                .now = nowFunction(clock),
+                .schedule = scheduleFunction(scheduler),
+                .imageCodec = codec,
+                .calendar = Calendar(options_.zone, "en_GB"),
+                .postToMain = [this](std::function<void()> block) { mainQueue.post(block); },
+            },
+            options_.engine);
+        return *engine;
+    }
+
+    // Writes `library` as the history found at start, sealed with a key the store then reads.
+    void seedHistory(const ClipLibrary& library) {
+        auto keyStore = std::make_unique<ScriptedKeyStore>();
+        ScriptedKeyStore* writerKeys = keyStore.get();
+        ClipStore writer(folder.path(), std::move(keyStore));
+        if (!writer.saveNow(library)) std::abort();
+        seededKey = writerKeys->stored();
+    }
+
+    void makeStore() {
+        auto keyStore = std::make_unique<ScriptedKeyStore>(seededKey);
+        keys = keyStore.get();
+        ClipStoreOptions storeOptions;
+        storeOptions.now = nowFunction(clock);
+        storeOptions.writeFile = options_.writeFile;
+        store = std::make_unique<ClipStore>(folder.path(), std::move(keyStore), storeOptions);
+    }
+
+    static ClipLibrary libraryOf(const std::vector<std::string>& texts, Date date) {
+        ClipLibrary library;
+        for (const std::string& text : texts) {
+            ClipContent content;
+            content.text = text;
+            library.items.push_back(
+                ClipItem::make(content, {}, {}, date, ClipSensitivity::ordinary));
+        }
+        return library;
+    }
+
+    // Another application copies `text`, then the timer fires.
+    void copyAndSample(std::string_view text) {
+        pasteboard.copyText(text);
+        engine->sample();
+    }
+    // The published texts, newest first. The published history must always be the model's.
+    std::vector<std::string> texts() const {
+        EXPECT_EQ(engine->history().get(), engine->library().items);
+        std::vector<std::string> out;
+        for (const ClipItem& item : engine->history().get()) out.push_back(item.text.value_or(""));
+        return out;
+    }
+    // The history as a fresh store reads it from disk with the same key.
+    ClipLibrary libraryOnDisk() {
+        auto keyStore = std::make_unique<ScriptedKeyStore>(keys->stored());
+        ClipStore reader(folder.path(), std::move(keyStore));
+        auto loaded = reader.load();
+        return loaded ? *loaded : ClipLibrary{};
+    }
+
+    EngineRigOptions options_;
+    EngineFolder folder;
+    FixedClock clock{Date{700000000}};
+    ManualScheduler scheduler{&clock};
+    MemoryPasteboard pasteboard;
+    RecordingPasteTyper typer;
+    RecordingActivator activator;
+    bool trusted = true;
+    ClipPaster paster{pasteboard,
+                      typer,
+                      activator,
+                      [this] { return trusted; },
+                      kPasteKeystrokeDelay,
+                      scheduleFunction(scheduler)};
+    MemoryClipPins pins;
+    MemoryDefaults defaults;
+    PngHeaderImageCodec codec;
+    MainQueue mainQueue;
+    std::optional<std::string> frontApp = std::string("org.example.editor");
+    std::optional<Bytes> seededKey;
+    ScriptedKeyStore* keys = nullptr;  // owned by the store
+    std::unique_ptr<ClipStore> store;
+    std::unique_ptr<ClipEngine> engine;
+};
+
+}  // namespace harbex::testing
