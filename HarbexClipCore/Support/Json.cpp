@@ -80,6 +80,15 @@ JsonError prefixJsonError(JsonError error, std::size_t index) {
 
 JsonValue encodeJson(const Bytes& value) { return JsonValue(base64Encode(value)); }
 
+JsonValue encodeJson(double value) {
+    if (std::isnan(value)) return JsonValue(0.0);
+    if (std::isinf(value)) {
+        return JsonValue(value > 0 ? std::numeric_limits<double>::max()
+                                   : std::numeric_limits<double>::lowest());
+    }
+    return JsonValue(value);
+}
+
 namespace {
 JsonStatus fail(const char* reason) { return std::unexpected(JsonError{{}, reason}); }
 }  // namespace
@@ -124,7 +133,9 @@ JsonStatus decodeJson(const JsonValue& json, std::uint32_t& out) {
 
 JsonStatus decodeJson(const JsonValue& json, double& out) {
     if (!json.is_number()) return fail("expected a number");
-    out = json.to_number<double>();
+    // A literal beyond the double range parses as infinity; keep it finite so it writes back.
+    out = std::clamp(json.to_number<double>(), std::numeric_limits<double>::lowest(),
+                     std::numeric_limits<double>::max());
     return {};
 }
 

@@ -60,7 +60,8 @@ inline JsonValue encodeJson(std::int64_t value) { return JsonValue(value); }
 inline JsonValue encodeJson(std::uint32_t value) {
     return JsonValue(static_cast<std::uint64_t>(value));
 }
-inline JsonValue encodeJson(double value) { return JsonValue(value); }
+// JSON has no infinities or NaN; a stray one must not make a whole document unreadable.
+JsonValue encodeJson(double value);
 inline JsonValue encodeJson(const std::string& value) { return JsonValue(value); }
 inline JsonValue encodeJson(Date value) { return JsonValue(value.seconds); }
 inline JsonValue encodeJson(const Uuid& value) { return JsonValue(value.string()); }

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 namespace harbex {
 namespace {
 
@@ -98,6 +101,19 @@ TEST(JsonTests, DatesAndBytesSurviveARoundTripExactly) {
                     .status());
     EXPECT_EQ(readDate, date);
     EXPECT_EQ(readBytes, bytes);
+}
+
+TEST(JsonTests, NonFiniteNumbersStillWriteValidJson) {
+    for (double value :
+         {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+          std::numeric_limits<double>::quiet_NaN()}) {
+        const auto text = serializeJson(JsonObjectWriter().field("width", value).take());
+        EXPECT_TRUE(parseJson(text)) << text;
+    }
+    double huge = 0;
+    ASSERT_TRUE(harbex::decodeJson(parsed("1e400"), huge));
+    EXPECT_TRUE(std::isfinite(huge));
+    EXPECT_TRUE(parseJson(serializeJson(harbex::encodeJson(huge))));
 }
 
 TEST(JsonTests, LenientReaderKeepsTheDefaultForMissingOrBadValues) {
