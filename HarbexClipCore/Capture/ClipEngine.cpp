@@ -388,13 +388,24 @@ void ClipEngine::modelReplace(ClipItem item) {
 
 void ClipEngine::modelRemoved(const std::vector<ClipItem>& removed) {
     if (removed.empty()) return;
-    ClipIDSet ids;
+    std::vector<Uuid> ids;
+    ids.reserve(removed.size());
     for (const ClipItem& item : removed) {
         searchEntries_.remove(item.id);
-        ids.insert(item.id);
+        ids.push_back(item.id);
     }
     historyEdits_.push_back([ids = std::move(ids)](std::vector<ClipItem>& items) {
-        std::erase_if(items, [&](const ClipItem& item) { return ids.contains(item.id); });
+        // Pruning takes the oldest, at the end: a few are found fastest from there.
+        if (ids.size() <= 8) {
+            for (const Uuid& id : ids) {
+                auto found = std::find_if(items.rbegin(), items.rend(),
+                                          [&](const ClipItem& item) { return item.id == id; });
+                if (found != items.rend()) items.erase(std::next(found).base());
+            }
+            return;
+        }
+        const ClipIDSet set(ids.begin(), ids.end());
+        std::erase_if(items, [&](const ClipItem& item) { return set.contains(item.id); });
     });
 }
 
