@@ -1,0 +1,179 @@
+#include "HarbexClip/App/ClipInstance.hpp"
+#include "HarbexClipCore/Support/EnumNames.hpp"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QProcess>
+
+#include <cctype>
+#include <cstdio>
+#include <functional>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace harbex {
+namespace {
+
+// A private session bus, so the test never reaches the desktop's own running copy.
+class PrivateBus {
+public:
+    PrivateBus() {
+        int output[2];
+        if (::pipe(output) != 0) return;
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::dup2(output[1], STDOUT_FILENO);
+            ::close(output[0]);
+            ::close(output[1]);
+            ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
+                     "--print-address=1", static_cast<char*>(nullptr));
+            ::_exit(127);
+        }
+        ::close(output[1]);
+        FILE* stream = pid_ > 0 ? ::fdopen(output[0], "r") : nullptr;
+        char line[1024] = {};
+        if (stream && std::fgets(line, sizeof line, stream)) address_ = line;
+        while (!address_.empty() && std::isspace(static_cast<unsigned char>(address_.back())))
+            address_.pop_back();
+        if (stream) std::fclose(stream);
+        if (!stream) ::close(output[0]);
+    }
+    ~PrivateBus() {
+        if (pid_ <= 0) return;
+        ::kill(pid_, SIGTERM);
+        ::waitpid(pid_, nullptr, 0);
+    }
+    const std::string& address() const { return address_; }
+
+private:
+    pid_t pid_ = -1;
+    std::string address_;
+};
+
+bool waitUntil(const std::function<bool()>& condition, int milliseconds = 5000) {
+    QDeadlineTimer deadline(milliseconds);
+    while (!condition()) {
+        if (deadline.hasExpired()) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return true;
+}
+
+class ClipInstanceTests : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        bus = new PrivateBus();
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus->address().c_str(), 1);
+        static int argc = 1;
+        static char name[] = "AppInstanceTests";
+        static char* argv[] = {name, nullptr};
+        application = new QCoreApplication(argc, argv);
+    }
+    static void TearDownTestSuite() {
+        delete application;
+        delete bus;
+    }
+    void SetUp() override { ASSERT_FALSE(bus->address().empty()) << "dbus-daemon did not start"; }
+
+    // Each connection is a bus client of its own, as two processes are.
+    static QDBusConnection connect() {
+        return QDBusConnection::connectToBus(QString::fromStdString(bus->address()),
+                                             "instance" + QString::number(++connections));
+    }
+
+    // A second copy blocks on its call until the first answers, so it claims from another thread
+    // while this one turns the first copy's loop.
+    static ClipInstance::Claim claimElsewhere(ClipCommand command) {
+        ClipInstance::Claim claim = ClipInstance::Claim::failed;
+        bool done = false;
+        QDBusConnection connection = connect();
+        std::thread worker([&] {
+            ClipInstance second(connection);
+            claim = second.claim(command);
+            done = true;
+        });
+        waitUntil([&] { return done; }, 8000);
+        worker.join();
+        return claim;
+    }
+
+    static inline PrivateBus* bus = nullptr;
+    static inline QCoreApplication* application = nullptr;
+    static inline int connections = 0;
+};
+
+TEST_F(ClipInstanceTests, LaterStartsHandTheirCommandToTheFirstOne) {
+    ClipInstance first(connect());
+    ASSERT_EQ(first.claim(ClipCommand::open), ClipInstance::Claim::primary);
+    std::vector<ClipCommand> heard;
+    QObject::connect(&first, &ClipInstance::requested,
+                     [&](ClipCommand command) { heard.push_back(command); });
+
+    struct Case {
+        ClipCommand sent;
+        std::optional<ClipCommand> heard;  // nothing: the running copy is left alone
+    };
+    const Case cases[] = {
+        {ClipCommand::open, ClipCommand::library},      {ClipCommand::panel, ClipCommand::panel},
+        {ClipCommand::library, ClipCommand::library},   {ClipCommand::pause, ClipCommand::pause},
+        {ClipCommand::settings, ClipCommand::settings}, {ClipCommand::autostart, std::nullopt},
+    };
+    for (const Case& c : cases) {
+        heard.clear();
+        EXPECT_EQ(claimElsewhere(c.sent), ClipInstance::Claim::handedOver) << enumName(c.sent);
+        waitUntil([&] { return !heard.empty(); }, c.heard ? 3000 : 200);
+        if (c.heard) {
+            EXPECT_EQ(heard, std::vector<ClipCommand>{*c.heard}) << enumName(c.sent);
+        } else {
+            EXPECT_TRUE(heard.empty()) << enumName(c.sent);
+        }
+    }
+}
+
+TEST_F(ClipInstanceTests, TheNameIsFreeAgainOnceTheFirstCopyIsGone) {
+    {
+        ClipInstance first(connect());
+        ASSERT_EQ(first.claim(ClipCommand::autostart), ClipInstance::Claim::primary);
+    }
+    ClipInstance next(connect());
+    EXPECT_EQ(next.claim(ClipCommand::open), ClipInstance::Claim::primary);
+}
+
+TEST_F(ClipInstanceTests, WithoutABusTheCopyRunsAlone) {
+    ClipInstance alone(
+        QDBusConnection::connectToBus(QString("unix:path=/nonexistent/bus"), "nobus"));
+    EXPECT_EQ(alone.claim(ClipCommand::panel), ClipInstance::Claim::noBus);
+}
+
+TEST_F(ClipInstanceTests, TheProgramPassesItsCommandToTheRunningCopyAndExits) {
+    ClipInstance first(connect());
+    ASSERT_EQ(first.claim(ClipCommand::open), ClipInstance::Claim::primary);
+    std::vector<ClipCommand> heard;
+    QObject::connect(&first, &ClipInstance::requested,
+                     [&](ClipCommand command) { heard.push_back(command); });
+
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", QString::fromStdString(bus->address()));
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    program.setProcessEnvironment(environment);
+    program.start(HARBEX_BINARY_DIR "/HarbexClip/harbex-clipboard", {"--panel"});
+    ASSERT_TRUE(program.waitForStarted(5000));
+    const bool finished = waitUntil([&] { return program.state() == QProcess::NotRunning; }, 15000);
+    if (!finished) program.kill();
+    ASSERT_TRUE(finished);
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
+    waitUntil([&] { return !heard.empty(); }, 2000);
+    EXPECT_EQ(heard, std::vector<ClipCommand>{ClipCommand::panel});
+}
+
+}  // namespace
+}  // namespace harbex
