@@ -1,5 +1,10 @@
 #include <QApplication>
 #include <QIcon>
+#include <QSocketNotifier>
+
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +24,31 @@ bool hasGraphicalSession() {
     if (platform && std::string(platform) != "xcb") return true;
     const char* display = std::getenv("DISPLAY");
     return display && *display;
+}
+
+int quitSignalFds[2] = {-1, -1};
+
+void forwardQuitSignal(int) {
+    const char byte = 1;
+    [[maybe_unused]] const auto written = ::write(quitSignalFds[0], &byte, 1);
+}
+
+// A logout or `kill` sends SIGTERM: quit through the event loop so the history is saved first.
+void quitOnTerminationSignals(QObject* context) {
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, quitSignalFds) != 0) return;
+    auto* notifier = new QSocketNotifier(quitSignalFds[1], QSocketNotifier::Read, context);
+    QObject::connect(notifier, &QSocketNotifier::activated, context, [] {
+        char byte = 0;
+        [[maybe_unused]] const auto got = ::read(quitSignalFds[1], &byte, 1);
+        QCoreApplication::quit();
+    });
+    struct sigaction action {};
+    action.sa_handler = forwardQuitSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGHUP, &action, nullptr);
 }
 
 }  // namespace
@@ -70,6 +100,7 @@ int main(int argc, char* argv[]) {
         std::fprintf(stderr, "%s\n", problem->c_str());
         return 1;
     }
+    quitOnTerminationSignals(&delegate);
     QObject::connect(&instance, &ClipInstance::requested, &delegate, &AppDelegate::perform);
     return application.exec();
 }
