@@ -126,7 +126,7 @@ inline RunResult run(const std::vector<std::string>& arguments, const std::strin
                      const std::string& input = {}, const std::function<void()>& pump = {}) {
     int in[2];
     int out[2];
-    if (::pipe(in) != 0 || ::pipe(out) != 0) return {};
+    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) return {};
     Process process(arguments, display, in[0], out[1]);
     ::close(in[0]);
     ::close(out[1]);
