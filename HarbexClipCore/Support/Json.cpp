@@ -12,8 +12,12 @@ JsonResult<JsonValue> parseJson(std::string_view text) {
     boost::system::error_code error;
     boost::json::parse_options options;
     options.max_depth = 256;  // deep enough for any document of ours, shallow enough for the stack
-    JsonValue value =
-        boost::json::parse(boost::json::string_view(text.data(), text.size()), error, {}, options);
+    // One arena for the whole tree: documents are read once and dropped, and a history holds
+    // hundreds of thousands of small strings that would otherwise each be a heap allocation.
+    boost::json::storage_ptr arena =
+        boost::json::make_shared_resource<boost::json::monotonic_resource>();
+    JsonValue value = boost::json::parse(boost::json::string_view(text.data(), text.size()), error,
+                                         std::move(arena), options);
     if (error) return std::unexpected(JsonError{{}, "not JSON: " + error.message()});
     return value;
 }
