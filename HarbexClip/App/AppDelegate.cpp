@@ -18,6 +18,9 @@
 
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 
+// Resources compiled into a static library must be registered by hand, outside any namespace.
+static void initialiseResources() { Q_INIT_RESOURCE(HarbexClip); }
+
 namespace harbex {
 
 namespace {
@@ -76,7 +79,7 @@ bool showsLibraryAtLaunch(ClipCommand command, std::optional<Date> relaunchMarke
     return showAtLaunch.value_or(true);
 }
 
-AppDelegate::AppDelegate(QObject* parent) : QObject(parent) {}
+AppDelegate::AppDelegate(QObject* parent) : QObject(parent) { initialiseResources(); }
 
 AppDelegate::~AppDelegate() {
     // The windows and the tray go before the system they observe.

@@ -77,7 +77,6 @@ int main(int argc, char* argv[]) {
     if (!std::getenv("QT_QPA_PLATFORM")) ::setenv("QT_QPA_PLATFORM", "xcb", 1);
 
     QApplication application(argc, argv);
-    Q_INIT_RESOURCE(HarbexClip);
     QApplication::setApplicationName("Harbex Clipboard");
     QApplication::setApplicationVersion(HARBEX_VERSION);
     QApplication::setOrganizationDomain("harbexapps.app");

@@ -109,7 +109,7 @@ QLabel* note(const QString& text) {
 
 QFormLayout* form(QWidget* page) {
     auto* layout = new QFormLayout(page);
-    layout->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    layout->setRowWrapPolicy(QFormLayout::DontWrapRows);
     layout->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     layout->setLabelAlignment(Qt::AlignRight);
     layout->setContentsMargins(24, 20, 24, 20);
@@ -123,10 +123,15 @@ SettingsWindow::SettingsWindow(SettingsWindowServices services, QWidget* parent)
     : QWidget(parent, Qt::Window), services_(std::move(services)) {
     setWindowTitle(tr("Harbex Clipboard Settings"));
     setObjectName("settingsWindow");
-    resize(720, 520);
+    resize(780, 540);
     sidebar_ = new QListWidget(this);
     sidebar_->setFixedWidth(170);
     sidebar_->setFrameShape(QFrame::NoFrame);
+    sidebar_->setStyleSheet(
+        "QListWidget { padding-top: 12px; }"
+        "QListWidget::item { padding: 6px 14px; border-radius: 6px; }"
+        "QListWidget::item:selected { background: palette(highlight); "
+        "color: palette(highlighted-text); }");
     pages_ = new QStackedWidget(this);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -1,0 +1,192 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QBuffer>
+#include <QDeadlineTimer>
+#include <QImage>
+#include <QPainter>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+#include "HarbexClip/App/AppDelegate.hpp"
+#include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "tests/Linux/Keyring/PrivateKeyring.hpp"
+#include "tests/Linux/X11/X11TestServer.hpp"
+
+namespace harbex {
+namespace {
+
+namespace fs = std::filesystem;
+using testing_x11::Process;
+using testing_x11::ScriptedOwner;
+using testing_x11::TestServer;
+
+bool waitUntil(const std::function<bool()>& condition, int milliseconds = 8000) {
+    QDeadlineTimer deadline(milliseconds);
+    while (!condition()) {
+        if (deadline.hasExpired()) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return true;
+}
+
+void settle(int milliseconds) {
+    waitUntil([] { return false; }, milliseconds);
+}
+
+const ClipItem* find(ClipEngine& engine, const std::function<bool(const ClipItem&)>& match) {
+    for (const ClipItem& item : engine.history().get()) {
+        if (match(item)) return &item;
+    }
+    return nullptr;
+}
+
+// A whole session in the test: Xvfb with openbox, a private bus with an unlocked keyring, empty
+// XDG folders, and the application assembled in this process so its state can be looked at.
+class ClipAppEndToEndTests : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        server = new TestServer();
+        keyring = new testing::PrivateKeyring();
+        keyringError = keyring->start();
+        root = fs::temp_directory_path() / ("harbex-e2e-" + std::to_string(::getpid()));
+        fs::remove_all(root);
+        fs::create_directories(root / "data");
+        fs::create_directories(root / "config");
+        ::setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
+        ::setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
+        ::setenv("DISPLAY", server->display().c_str(), 1);
+        static int argc = 3;
+        static char name[] = "AppEndToEndTests";
+        static char platform[] = "-platform";
+        static char xcb[] = "xcb";
+        static char* argv[] = {name, platform, xcb, nullptr};
+        application = new QApplication(argc, argv);
+        QApplication::setQuitOnLastWindowClosed(false);
+    }
+    static void TearDownTestSuite() {
+        delete application;
+        keyring->stop();
+        delete keyring;
+        delete server;
+        fs::remove_all(root);
+    }
+    void SetUp() override {
+        ASSERT_TRUE(server->ready()) << "Xvfb or openbox did not start";
+        ASSERT_EQ(keyringError, "") << "the keyring did not start";
+    }
+
+    // Copies like another application would, with xclip owning the clipboard.
+    static void copy(const std::string& path, const std::string& type) {
+        Process xclip({"xclip", "-selection", "clipboard", "-t", type, "-i", path},
+                      server->display());
+        // xclip forks and keeps serving in the background; the parent returns at once.
+        xclip.wait(std::chrono::milliseconds(5000));
+    }
+
+    static fs::path write(const std::string& name, const Bytes& bytes) {
+        const fs::path path = root / name;
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+        return path;
+    }
+
+    static fs::path screenshotFolder() {
+        const fs::path folder = fs::path(HARBEX_BINARY_DIR) / "screenshots";
+        fs::create_directories(folder);
+        return folder;
+    }
+
+    static inline TestServer* server = nullptr;
+    static inline testing::PrivateKeyring* keyring = nullptr;
+    static inline std::string keyringError;
+    static inline fs::path root;
+    static inline QApplication* application = nullptr;
+};
+
+TEST_F(ClipAppEndToEndTests, CopiesAreKeptSealedPrivateOnesSkippedAndAllSurviveARestart) {
+    const fs::path history = root / "data" / "Harbex Clipboard" / "History.sealed";
+    {
+        AppDelegate delegate;
+        const auto started = std::chrono::steady_clock::now();
+        ASSERT_EQ(delegate.start(ClipCommand::autostart), std::nullopt);
+        ClipEngine& engine = delegate.app()->engine();
+        ASSERT_TRUE(waitUntil([&] { return engine.isHistoryOpen().get(); }));
+        const auto ready =
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started)
+                .count();
+        std::printf("start-up to an open history: %.0f ms\n", ready);
+
+        copy(write("text.txt", bytesOf("hello from the end-to-end test")), "UTF8_STRING");
+        ASSERT_TRUE(waitUntil([&] {
+            return find(engine, [](const ClipItem& i) {
+                return i.text == "hello from the end-to-end test";
+            });
+        }));
+        copy(write("link.txt", bytesOf("https://example.com/harbex")), "UTF8_STRING");
+        ASSERT_TRUE(waitUntil([&] {
+            return find(engine, [](const ClipItem& i) { return i.kind == ClipKind::link; });
+        }));
+
+        QImage image(300, 200, QImage::Format_RGB32);
+        image.fill(QColor(0x5e, 0x5c, 0xe6));
+        QPainter(&image).fillRect(40, 40, 120, 80, Qt::white);
+        QByteArray png;
+        QBuffer buffer(&png);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "png");
+        copy(write("image.png", Bytes(png.begin(), png.end())), "image/png");
+        ASSERT_TRUE(waitUntil([&] {
+            return find(engine, [](const ClipItem& i) {
+                return i.kind == ClipKind::image && i.image && i.image->width == 300 &&
+                       i.image->height == 200;
+            });
+        }));
+
+        // A password manager's copy: marked secret, never kept.
+        ScriptedOwner owner(server->display());
+        owner.offer({{"UTF8_STRING", bytesOf("correct horse battery staple")},
+                     {"x-kde-passwordManagerHint", bytesOf("secret")}});
+        ASSERT_TRUE(waitUntil([&] { return engine.lastSkip().get().has_value(); }));
+        EXPECT_EQ(engine.lastSkip().get()->kind, SkipReason::Kind::markedPrivate);
+        EXPECT_FALSE(find(engine, [](const ClipItem& i) {
+            return i.text && i.text->find("horse") != std::string::npos;
+        }));
+        EXPECT_EQ(engine.history().get().size(), 3u);
+
+        delegate.showSettings(ClipSettingsPage::shortcuts);
+        settle(300);
+        ASSERT_NE(delegate.settingsWindow(), nullptr);
+        EXPECT_TRUE(delegate.settingsWindow()->grab().save(
+            QString::fromStdString((screenshotFolder() / "settings.png").string())));
+        delegate.showSettings(ClipSettingsPage::capture);
+        settle(200);
+        EXPECT_TRUE(delegate.settingsWindow()->grab().save(
+            QString::fromStdString((screenshotFolder() / "settings-capture.png").string())));
+        // Leaving the scope quits as the application does: the engine writes before it goes.
+        engine.shutdown();
+    }
+
+    ASSERT_TRUE(fs::exists(history));
+    const Bytes sealed = readFile(history).value();
+    const std::string raw = stringOf(sealed);
+    EXPECT_EQ(raw.find("hello from the end-to-end test"), std::string::npos) << "not sealed";
+    EXPECT_EQ(raw.find("example.com"), std::string::npos) << "not sealed";
+
+    AppDelegate again;
+    ASSERT_EQ(again.start(ClipCommand::autostart), std::nullopt);
+    ClipEngine& engine = again.app()->engine();
+    ASSERT_TRUE(waitUntil([&] { return engine.isHistoryOpen().get(); }));
+    EXPECT_TRUE(
+        find(engine, [](const ClipItem& i) { return i.text == "hello from the end-to-end test"; }));
+    EXPECT_TRUE(find(engine, [](const ClipItem& i) { return i.kind == ClipKind::link; }));
+    EXPECT_TRUE(find(engine, [](const ClipItem& i) { return i.kind == ClipKind::image; }));
+    EXPECT_FALSE(find(engine, [](const ClipItem& i) {
+        return i.text && i.text->find("horse") != std::string::npos;
+    }));
+}
+
+}  // namespace
+}  // namespace harbex
