@@ -84,6 +84,8 @@ AppDelegate::AppDelegate(QObject* parent) : QObject(parent) { initialiseResource
 AppDelegate::~AppDelegate() {
     // The windows and the tray go before the system they observe.
     delete settingsWindow_.data();
+    panel_.reset();
+    panelModel_.reset();
     trayMenu_.reset();
     settingsWatch_.cancel();
     historyWatch_.cancel();
@@ -360,8 +362,22 @@ std::vector<std::pair<std::string, std::string>> AppDelegate::applications() {
 }
 
 void AppDelegate::showPanel() {
-    // The quick panel window is not built yet; the library stands in for it.
-    showLibrary();
+    if (!app_) return;
+    if (!panel_) {
+        ClipEngine& engine = app_->engine();
+        panelModel_ = std::make_unique<ClipPanelModel>(
+            engine,
+            [] { return Date::fromUnix(double(QDateTime::currentMSecsSinceEpoch()) / 1000); },
+            app_->schedule());
+        panel_ = std::make_unique<ClipPanel>(*panelModel_, app_->focus(),
+                                             [&engine] { return engine.settings().get(); });
+        connect(panel_.get(), &ClipPanel::settingsRequested, this, [this] { showSettings(); });
+    }
+    if (panel_->isVisible()) {
+        panel_->dismiss(ClipPanelFocus::Close::dismissed);
+        return;
+    }
+    panel_->present();
 }
 
 void AppDelegate::showLibrary() {

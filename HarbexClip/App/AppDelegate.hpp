@@ -13,6 +13,7 @@
 #include "HarbexClip/App/ClipAutostart.hpp"
 #include "HarbexClip/App/ClipCommand.hpp"
 #include "HarbexClip/App/X11EventPump.hpp"
+#include "HarbexClip/Views/ClipPanel.hpp"
 #include "HarbexClip/Views/SettingsWindow.hpp"
 
 namespace harbex {
@@ -49,6 +50,8 @@ public:
 
     ClipApp* app() { return app_.get(); }
     SettingsWindow* settingsWindow() { return settingsWindow_; }
+    ClipPanel* panel() { return panel_.get(); }
+    ClipPanelModel* panelModel() { return panelModel_.get(); }
 
 private:
     void startSampling();
@@ -68,6 +71,8 @@ private:
     QSystemTrayIcon* tray_ = nullptr;
     std::unique_ptr<QMenu> trayMenu_;
     QPointer<SettingsWindow> settingsWindow_;
+    std::unique_ptr<ClipPanelModel> panelModel_;
+    std::unique_ptr<ClipPanel> panel_;
     std::optional<ClipSettings> lastSettings_;
 };
 

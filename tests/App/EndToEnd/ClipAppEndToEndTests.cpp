@@ -12,6 +12,7 @@
 
 #include "HarbexClip/App/AppDelegate.hpp"
 #include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "HarbexClipCore/Panel/ClipPanelModel.hpp"
 #include "tests/Linux/Keyring/PrivateKeyring.hpp"
 #include "tests/Linux/X11/X11TestServer.hpp"
 
@@ -165,6 +166,23 @@ TEST_F(ClipAppEndToEndTests, CopiesAreKeptSealedPrivateOnesSkippedAndAllSurviveA
         settle(200);
         EXPECT_TRUE(delegate.settingsWindow()->grab().save(
             QString::fromStdString((screenshotFolder() / "settings-capture.png").string())));
+        delegate.settingsWindow()->close();
+
+        // The panel opens on the global shortcut and filters as the user types.
+        testing_x11::run({"xdotool", "key", "--clearmodifiers", "ctrl+super+v"}, server->display());
+        ASSERT_TRUE(waitUntil([&] { return delegate.panel() && delegate.panel()->isVisible(); }));
+        settle(300);
+        testing_x11::run({"xdotool", "type", "--delay", "20", "example"}, server->display());
+        ClipPanelModel* model = delegate.panelModel();
+        ASSERT_TRUE(waitUntil([&] { return model->query() == "example"; }));
+        ASSERT_TRUE(waitUntil([&] { return model->results().size() == 1; }));
+        EXPECT_EQ(model->results().front()->kind, ClipKind::link);
+        settle(200);
+        EXPECT_TRUE(delegate.panel()->grab().save(
+            QString::fromStdString((screenshotFolder() / "panel.png").string())));
+        testing_x11::run({"xdotool", "key", "Escape", "Escape"}, server->display());
+        EXPECT_TRUE(waitUntil([&] { return !delegate.panel()->isVisible(); }));
+
         // Leaving the scope quits as the application does: the engine writes before it goes.
         engine.shutdown();
     }
