@@ -2,9 +2,11 @@
 #include "HarbexClipCore/Support/EnumNames.hpp"
 
 #include <gtest/gtest.h>
+
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include "tests/Support/PrivateBus.hpp"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -20,51 +22,6 @@
 
 namespace harbex {
 namespace {
-
-// A private session bus, so the test never reaches the desktop's own running copy.
-class PrivateBus {
-public:
-    PrivateBus() {
-        int output[2];
-        if (::pipe(output) != 0) return;
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            ::dup2(output[1], STDOUT_FILENO);
-            ::close(output[0]);
-            ::close(output[1]);
-            ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
-                     "--print-address=1", static_cast<char*>(nullptr));
-            ::_exit(127);
-        }
-        ::close(output[1]);
-        FILE* stream = pid_ > 0 ? ::fdopen(output[0], "r") : nullptr;
-        char line[1024] = {};
-        if (stream && std::fgets(line, sizeof line, stream)) address_ = line;
-        while (!address_.empty() && std::isspace(static_cast<unsigned char>(address_.back())))
-            address_.pop_back();
-        if (stream) std::fclose(stream);
-        if (!stream) ::close(output[0]);
-    }
-    ~PrivateBus() {
-        if (pid_ <= 0) return;
-        ::kill(pid_, SIGTERM);
-        ::waitpid(pid_, nullptr, 0);
-    }
-    const std::string& address() const { return address_; }
-
-private:
-    pid_t pid_ = -1;
-    std::string address_;
-};
-
-bool waitUntil(const std::function<bool()>& condition, int milliseconds = 5000) {
-    QDeadlineTimer deadline(milliseconds);
-    while (!condition()) {
-        if (deadline.hasExpired()) return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
 
 class ClipInstanceTests : public ::testing::Test {
 protected:

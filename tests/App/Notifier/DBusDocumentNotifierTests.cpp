@@ -1,9 +1,11 @@
 #include "HarbexClip/App/DBusDocumentNotifier.hpp"
 
 #include <gtest/gtest.h>
+
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include "tests/Support/PrivateBus.hpp"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -24,57 +26,6 @@ namespace {
 
 namespace fs = std::filesystem;
 constexpr const char* kPins = "clipboard-pins.json";
-
-// A private session bus for this test program, so nothing reaches the user's desktop session.
-class PrivateBus {
-public:
-    PrivateBus() {
-        int output[2];
-        if (::pipe(output) != 0) return;
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            ::dup2(output[1], STDOUT_FILENO);
-            ::close(output[0]);
-            ::close(output[1]);
-            ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
-                     "--print-address=1", static_cast<char*>(nullptr));
-            ::_exit(127);
-        }
-        ::close(output[1]);
-        if (pid_ < 0) {
-            ::close(output[0]);
-            return;
-        }
-        FILE* stream = ::fdopen(output[0], "r");
-        char line[1024] = {};
-        if (stream && std::fgets(line, sizeof line, stream)) {
-            address_ = line;
-            while (!address_.empty() && (address_.back() == '\n' || address_.back() == '\r')) {
-                address_.pop_back();
-            }
-        }
-        if (stream) std::fclose(stream);
-    }
-    ~PrivateBus() {
-        if (pid_ <= 0) return;
-        ::kill(pid_, SIGTERM);
-        ::waitpid(pid_, nullptr, 0);
-    }
-    const std::string& address() const { return address_; }
-
-private:
-    pid_t pid_ = -1;
-    std::string address_;
-};
-
-bool waitUntil(const std::function<bool()>& condition, int milliseconds = 5000) {
-    QDeadlineTimer deadline(milliseconds);
-    while (!condition()) {
-        if (deadline.hasExpired()) return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
 
 class DBusDocumentNotifierTests : public ::testing::Test {
 protected:
