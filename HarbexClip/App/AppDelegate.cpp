@@ -84,6 +84,7 @@ AppDelegate::AppDelegate(QObject* parent) : QObject(parent) { initialiseResource
 AppDelegate::~AppDelegate() {
     // The windows and the tray go before the system they observe.
     delete settingsWindow_.data();
+    delete libraryWindow_.data();
     panel_.reset();
     panelModel_.reset();
     trayMenu_.reset();
@@ -381,8 +382,21 @@ void AppDelegate::showPanel() {
 }
 
 void AppDelegate::showLibrary() {
-    // The library window is not built yet; its settings page shows the history folder.
-    showSettings(ClipSettingsPage::history);
+    if (!app_) return;
+    if (!libraryWindow_) {
+        libraryWindow_ = new LibraryWindow(LibraryWindowServices{
+            .engine = app_->engine(),
+            .now =
+                [] { return Date::fromUnix(double(QDateTime::currentMSecsSinceEpoch()) / 1000); },
+            .calendar = Calendar(),
+            .readImage = [](const ClipImageInfo&) { return std::optional<Bytes>{}; },
+            .clearHistory = [this] { clearHistory(); },
+        });
+        libraryWindow_->setWindowIcon(QIcon(":/harbex/app.harbexapps.clip.svg"));
+    }
+    libraryWindow_->show();
+    libraryWindow_->raise();
+    libraryWindow_->activateWindow();
 }
 
 }  // namespace harbex

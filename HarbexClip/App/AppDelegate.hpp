@@ -14,6 +14,7 @@
 #include "HarbexClip/App/ClipCommand.hpp"
 #include "HarbexClip/App/X11EventPump.hpp"
 #include "HarbexClip/Views/ClipPanel.hpp"
+#include "HarbexClip/Views/LibraryWindow.hpp"
 #include "HarbexClip/Views/SettingsWindow.hpp"
 
 namespace harbex {
@@ -50,6 +51,7 @@ public:
 
     ClipApp* app() { return app_.get(); }
     SettingsWindow* settingsWindow() { return settingsWindow_; }
+    LibraryWindow* libraryWindow() { return libraryWindow_; }
     ClipPanel* panel() { return panel_.get(); }
     ClipPanelModel* panelModel() { return panelModel_.get(); }
 
@@ -71,6 +73,7 @@ private:
     QSystemTrayIcon* tray_ = nullptr;
     std::unique_ptr<QMenu> trayMenu_;
     QPointer<SettingsWindow> settingsWindow_;
+    QPointer<LibraryWindow> libraryWindow_;
     std::unique_ptr<ClipPanelModel> panelModel_;
     std::unique_ptr<ClipPanel> panel_;
     std::optional<ClipSettings> lastSettings_;
