@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -78,6 +79,7 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     auto* splitter = new QSplitter;
     sidebar_ = new QListWidget;
     sidebar_->setMinimumWidth(170);
+    sidebar_->setMaximumWidth(280);
     splitter->addWidget(sidebar_);
 
     auto* middle = new QWidget;
@@ -96,6 +98,7 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     middleLayout->addLayout(searchRow);
     list_ = new QListWidget;
     list_->setMinimumWidth(260);
+    list_->setSpacing(2);
     middleLayout->addWidget(list_, 1);
     splitter->addWidget(middle);
 
@@ -103,6 +106,7 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
     splitter->setStretchFactor(2, 1);
+    splitter->setSizes({200, 340, 420});
     outer->addWidget(splitter, 1);
     setCentralWidget(central);
     buildMenus();
@@ -135,6 +139,12 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     connect(copy_, &QPushButton::clicked, this, [this] { model_->copy(); });
     connect(pin_, &QPushButton::clicked, this, [this] { model_->togglePin(); });
     connect(delete_, &QPushButton::clicked, this, [this] { model_->remove(); });
+    auto* deleteKey =
+        new QShortcut(QKeySequence::Delete, list_, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(deleteKey, &QShortcut::activated, this, [this] { model_->remove(); });
+    auto* saveKey =
+        new QShortcut(QKeySequence::Save, editor_, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(saveKey, &QShortcut::activated, this, [this] { model_->saveDraft(); });
 
     revisionWatch_ = model_->revision().subscribe([this](std::uint64_t) { render(); });
     problemWatch_ = services_.engine.problem().subscribe(

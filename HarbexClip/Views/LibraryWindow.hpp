@@ -51,6 +51,7 @@ public:
     QPushButton* saveButton() const { return save_; }
     QPushButton* revertButton() const { return revert_; }
     QPushButton* pinButton() const { return pin_; }
+    QPushButton* deleteButton() const { return delete_; }
     QLabel* noticeLabel() const { return notice_; }
     QLabel* problemLabel() const { return problem_; }
     QLabel* emptyLabel() const { return empty_; }

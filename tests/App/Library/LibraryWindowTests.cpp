@@ -163,6 +163,14 @@ TEST_F(LibraryWindowTests, PinningUpdatesTheButtonAndTheCount) {
     EXPECT_TRUE(rig.engine->pins()->empty());
 }
 
+TEST_F(LibraryWindowTests, DeleteForgetsTheSelectedCopy) {
+    ASSERT_TRUE(selectRow("an old note"));
+    window->deleteButton()->click();
+    ASSERT_EQ(rig.engine->history()->size(), 2u);
+    EXPECT_EQ(historyText(1), "https://example.com/page");
+    EXPECT_TRUE(texts(window->sidebar(), false).contains("All  2"));
+}
+
 TEST_F(LibraryWindowTests, AnEmptyPinboardSaysSo) {
     Pinboard board;
     board.id = Uuid::random();
