@@ -389,7 +389,15 @@ void AppDelegate::showLibrary() {
             .now =
                 [] { return Date::fromUnix(double(QDateTime::currentMSecsSinceEpoch()) / 1000); },
             .calendar = Calendar(),
-            .readImage = [](const ClipImageInfo&) { return std::optional<Bytes>{}; },
+            .readImage = [this](const ClipImageInfo& info) -> std::optional<Bytes> {
+                auto bytes = app_->store().readImage(info.digest);
+                if (!bytes) return std::nullopt;
+                return std::move(*bytes);
+            },
+            .storeImage =
+                [this](const ClipExportImage& image) {
+                    return app_->store().writeImage(image.data, image.digest).has_value();
+                },
             .clearHistory = [this] { clearHistory(); },
         });
         libraryWindow_->setWindowIcon(QIcon(":/harbex/app.harbexapps.clip.svg"));

@@ -59,6 +59,8 @@ public:
     ClipDefaults& defaults() { return *defaults_; }
     ClipFrontmost& frontmost() { return *frontmost_; }
     QtImageCodec& imageCodec() { return *codec_; }
+    // The history's store, for the library's export and import of image files.
+    ClipStore& store() { return *store_; }
     DesktopEntries& desktopEntries() { return desktopEntries_; }
     ScheduleFunction schedule() { return scheduleFunction(*scheduler_); }
 

@@ -380,7 +380,13 @@ QString LibraryWindow::importFrom(const QString& path) {
     const QByteArray bytes = file.readAll();
     const auto result = model_->importFile(std::string_view(bytes.constData(), bytes.size()));
     if (!result) return qs(result.error().message);
-    return model_->notice() ? qs(*model_->notice()) : tr("Imported");
+    QString text = model_->notice() ? qs(*model_->notice()) : tr("Imported");
+    qsizetype lost = 0;
+    for (const ClipExportImage& image : result->images) {
+        if (!services_.storeImage(image)) ++lost;
+    }
+    if (lost > 0) text += QStringLiteral(" ") + tr("%n image(s) couldn’t be kept.", "", int(lost));
+    return text;
 }
 
 void LibraryWindow::chooseExport() {

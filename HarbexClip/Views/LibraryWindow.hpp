@@ -24,6 +24,10 @@ struct LibraryWindowServices {
     Calendar calendar;
     // Supplies the stored bytes of a copy's image for an export; nothing when it is gone.
     ClipImageReader readImage = [](const ClipImageInfo&) { return std::optional<Bytes>{}; };
+    // Keeps an imported copy's image beside the history; false when it could not be written.
+    std::function<bool(const ClipExportImage&)> storeImage = [](const ClipExportImage&) {
+        return false;
+    };
     // Asks which copies to clear and clears them; the menu item is left out when absent.
     std::function<void()> clearHistory;
 };

@@ -42,6 +42,7 @@ protected:
             .now = nowFunction(rig.clock),
             .calendar = Calendar("Europe/Berlin", "en_GB"),
             .readImage = [](const ClipImageInfo&) { return std::optional<Bytes>{}; },
+            .storeImage = [](const ClipExportImage&) { return false; },
             .clearHistory = {},
         });
         window->resize(1100, 640);
