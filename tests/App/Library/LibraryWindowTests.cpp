@@ -172,6 +172,39 @@ TEST_F(LibraryWindowTests, DeleteForgetsTheSelectedCopy) {
     EXPECT_TRUE(texts(window->sidebar(), false).contains("All  2"));
 }
 
+TEST_F(LibraryWindowTests, SensitiveCopiesShowOnlyWhatTheyAre) {
+    struct Case {
+        const char* text;
+        const char* shown;
+    };
+    const Case cases[] = {
+        {"4111 1111 1111 1111", "Sensitive, hidden"},
+        {"482913", "One-time code, hidden"},
+    };
+    for (const Case& c : cases) {
+        rig.clock.advance(60);
+        rig.copyAndSample(c.text);
+        ASSERT_TRUE(rig.engine->history()->front().isSensitive) << c.text;
+        const QStringList rows = texts(window->list(), false);
+        ASSERT_FALSE(rows.isEmpty());
+        EXPECT_TRUE(rows[0].startsWith(c.shown)) << rows[0].toStdString();
+        EXPECT_FALSE(rows.join('|').contains(c.text));
+        ASSERT_TRUE(selectRow(c.shown));
+        EXPECT_EQ(window->detailTitle()->text(), c.shown);
+        EXPECT_TRUE(window->editor()->toPlainText().isEmpty());
+        EXPECT_TRUE(window->editor()->isReadOnly());
+    }
+}
+
+TEST_F(LibraryWindowTests, TheEnginesProblemShowsAtTheTopWhileThereIsOne) {
+    EXPECT_FALSE(window->problemLabel()->isVisibleTo(window.get()));
+    rig.engine->problem().set(std::string("The history can’t be opened"));
+    EXPECT_TRUE(window->problemLabel()->isVisibleTo(window.get()));
+    EXPECT_EQ(window->problemLabel()->text(), "The history can’t be opened");
+    rig.engine->problem().set(std::nullopt);
+    EXPECT_FALSE(window->problemLabel()->isVisibleTo(window.get()));
+}
+
 TEST_F(LibraryWindowTests, AnEmptyPinboardSaysSo) {
     Pinboard board;
     board.id = Uuid::random();
@@ -197,7 +230,7 @@ TEST_F(LibraryWindowTests, ExportWritesAFileAndADamagedImportIsRefused) {
     bad.write("{ not json");
     bad.close();
     const QString refusal = window->importFrom(damaged);
-    EXPECT_FALSE(refusal.isEmpty());
+    EXPECT_TRUE(refusal.contains("isn’t a Harbex Clipboard export")) << refusal.toStdString();
     EXPECT_EQ(rig.engine->history()->size(), 3u);
 
     // The same export read back adds nothing: every copy is already here.
