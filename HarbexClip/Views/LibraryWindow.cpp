@@ -10,6 +10,7 @@
 
 #include <algorithm>
 
+#include "HarbexClipCore/Capture/SensitiveDetector.hpp"
 #include "HarbexClipCore/Library/ClipLibraryModel.hpp"
 
 namespace harbex {
@@ -332,7 +333,7 @@ void LibraryWindow::renderDetail() {
     save_->setEnabled(editable);
     revert_->setEnabled(editable);
     const QString draft = editable ? QString::fromStdString(model_->draft()) : QString();
-    editor_->setPlaceholderText(item && item->isSensitive ? rowTitle(*item) : QString());
+    editor_->setPlaceholderText(item && item->isSensitive ? qs(kSensitiveExplanation) : QString());
     if (editor_->toPlainText() != draft) editor_->setPlainText(draft);
 }
 

@@ -9,6 +9,7 @@
 #include <QPixmap>
 #include <QTemporaryDir>
 
+#include "HarbexClipCore/Capture/SensitiveDetector.hpp"
 #include "tests/Core/Engine/EngineRig.hpp"
 
 namespace harbex {
@@ -193,6 +194,7 @@ TEST_F(LibraryWindowTests, SensitiveCopiesShowOnlyWhatTheyAre) {
         EXPECT_EQ(window->detailTitle()->text(), c.shown);
         EXPECT_TRUE(window->editor()->toPlainText().isEmpty());
         EXPECT_TRUE(window->editor()->isReadOnly());
+        EXPECT_EQ(window->editor()->placeholderText().toStdString(), kSensitiveExplanation);
     }
 }
 
@@ -236,6 +238,15 @@ TEST_F(LibraryWindowTests, ExportWritesAFileAndADamagedImportIsRefused) {
     // The same export read back adds nothing: every copy is already here.
     window->importFrom(path);
     EXPECT_EQ(rig.engine->history()->size(), 3u);
+
+    // A copy deleted since comes back from the file, and the sidebar counts it again.
+    ASSERT_TRUE(selectRow("an old note"));
+    window->deleteButton()->click();
+    ASSERT_EQ(rig.engine->history()->size(), 2u);
+    const QString added = window->importFrom(path);
+    EXPECT_FALSE(added.isEmpty());
+    EXPECT_EQ(rig.engine->history()->size(), 3u);
+    EXPECT_TRUE(texts(window->sidebar(), false).contains("All  3"));
 }
 
 TEST_F(LibraryWindowTests, ScreenshotIsWrittenToTheBuildFolder) {
