@@ -95,6 +95,9 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     sort_->addItem(tr("Newest"), static_cast<int>(ClipLibrarySort::newest));
     sort_->addItem(tr("Most pasted"), static_cast<int>(ClipLibrarySort::mostPasted));
     sort_->addItem(tr("Name"), static_cast<int>(ClipLibrarySort::name));
+    // The window opens in the order the settings keep.
+    sortOrder_ = services_.engine.settings()->window.sort;
+    sort_->setCurrentIndex(sort_->findData(static_cast<int>(sortOrder_)));
     searchRow->addWidget(sort_);
     middleLayout->addLayout(searchRow);
     list_ = new QListWidget;

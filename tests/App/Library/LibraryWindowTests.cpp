@@ -124,6 +124,23 @@ TEST_F(LibraryWindowTests, SortingByNameDropsTheHeadings) {
     EXPECT_TRUE(rows[0].startsWith("an old note"));
 }
 
+TEST_F(LibraryWindowTests, TheWindowOpensInTheSortTheSettingsKeep) {
+    ClipSettings settings = rig.engine->settings().get();
+    settings.window.sort = ClipLibrarySort::name;
+    rig.engine->updateSettings(settings);
+    LibraryWindow second(LibraryWindowServices{
+        .engine = *rig.engine,
+        .now = nowFunction(rig.clock),
+        .calendar = Calendar("Europe/Berlin", "en_GB"),
+        .readImage = [](const ClipImageInfo&) { return std::optional<Bytes>{}; },
+        .storeImage = [](const ClipExportImage&) { return false; },
+        .clearHistory = {},
+    });
+    EXPECT_EQ(second.sortChoice()->currentText(), "Name");
+    EXPECT_TRUE(texts(second.list(), true).isEmpty());
+    EXPECT_TRUE(texts(second.list(), false).value(0).startsWith("an old note"));
+}
+
 TEST_F(LibraryWindowTests, SearchNarrowsTheList) {
     window->searchField()->setText("hello");
     const QStringList rows = texts(window->list(), false);
