@@ -143,6 +143,11 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     connect(copy_, &QPushButton::clicked, this, [this] { model_->copy(); });
     connect(pin_, &QPushButton::clicked, this, [this] { model_->togglePin(); });
     connect(delete_, &QPushButton::clicked, this, [this] { model_->remove(); });
+    connect(unboard_, &QPushButton::clicked, this, [this] {
+        const std::optional<Uuid>& board = model_->section().pinboardID;
+        const std::optional<Uuid>& id = model_->selectedID();
+        if (board && id) services_.engine.removeFromPinboard(*board, *id);
+    });
     auto* deleteKey =
         new QShortcut(QKeySequence::Delete, list_, nullptr, nullptr, Qt::WidgetShortcut);
     connect(deleteKey, &QShortcut::activated, this, [this] { model_->remove(); });
@@ -206,6 +211,8 @@ QWidget* LibraryWindow::buildDetail() {
     actionRow->addWidget(copy_);
     actionRow->addWidget(pin_);
     actionRow->addWidget(delete_);
+    unboard_ = new QPushButton(tr("Remove from Pinboard"));
+    actionRow->addWidget(unboard_);
     actionRow->addStretch(1);
     layout->addLayout(actionRow);
     notice_ = new QLabel;
@@ -318,6 +325,7 @@ void LibraryWindow::renderDetail() {
                                                          copy_, pin_, delete_}) {
         part->setVisible(has);
     }
+    unboard_->setVisible(has && model_->section().kind == ClipLibrarySection::Kind::pinboard);
     if (!has) return;
     const std::optional<Uuid> id = model_->selectedID();
     const auto found = std::ranges::find_if(

@@ -56,6 +56,7 @@ public:
     QPushButton* revertButton() const { return revert_; }
     QPushButton* pinButton() const { return pin_; }
     QPushButton* deleteButton() const { return delete_; }
+    QPushButton* unboardButton() const { return unboard_; }
     QLabel* noticeLabel() const { return notice_; }
     QLabel* problemLabel() const { return problem_; }
     QLabel* emptyLabel() const { return empty_; }
@@ -103,6 +104,7 @@ private:
     QPushButton* copy_ = nullptr;
     QPushButton* pin_ = nullptr;
     QPushButton* delete_ = nullptr;
+    QPushButton* unboard_ = nullptr;  // takes the copy off the pinboard being shown
     QLabel* notice_ = nullptr;
     QWidget* detail_ = nullptr;
 };

@@ -233,6 +233,17 @@ TEST_F(LibraryWindowTests, AnEmptyPinboardSaysSo) {
     ASSERT_TRUE(window->showSection(ClipLibrarySection::pinboard(board.id)));
     EXPECT_TRUE(texts(window->list(), false).isEmpty());
     EXPECT_EQ(window->emptyLabel()->text(), "This pinboard is empty");
+
+    // A copy put on the board lists there and can be taken off it again.
+    ASSERT_TRUE(rig.engine->addToPinboard(board.id, rig.engine->history()->front().id));
+    EXPECT_TRUE(texts(window->sidebar(), false).contains("Recipes  1"));
+    EXPECT_TRUE(window->emptyLabel()->text().isEmpty());
+    ASSERT_TRUE(selectRow("hello world"));
+    ASSERT_TRUE(window->unboardButton()->isVisibleTo(window.get()));
+    window->unboardButton()->click();
+    EXPECT_TRUE(texts(window->sidebar(), false).contains("Recipes  0"));
+    EXPECT_EQ(window->emptyLabel()->text(), "This pinboard is empty");
+    EXPECT_EQ(rig.engine->history()->size(), 3u);
 }
 
 TEST_F(LibraryWindowTests, ExportWritesAFileAndADamagedImportIsRefused) {
