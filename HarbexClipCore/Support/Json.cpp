@@ -137,9 +137,9 @@ JsonStatus decodeJson(const JsonValue& json, std::uint32_t& out) {
 
 JsonStatus decodeJson(const JsonValue& json, double& out) {
     if (!json.is_number()) return fail("expected a number");
-    // A literal beyond the double range parses as infinity; keep it finite so it writes back.
-    out = std::clamp(json.to_number<double>(), std::numeric_limits<double>::lowest(),
-                     std::numeric_limits<double>::max());
+    // A literal beyond the double range reads as infinity; records that cannot use one (a
+    // lifetime, a size) check for it, and writing one back is made safe by encodeJson.
+    out = json.to_number<double>();
     return {};
 }
 
