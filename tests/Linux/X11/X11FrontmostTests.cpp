@@ -106,13 +106,18 @@ protected:
             return front && front->pid == pid;
         });
     }
-    // Asks the window manager to activate `window` once it manages it.
-    void activate(TestWindow& window) {
+    // Waits until the window manager manages `window`; it focuses new windows as it maps them,
+    // so a test that activates one window must first let every window it made be managed.
+    void waitUntilManaged(TestWindow& window) {
         ASSERT_TRUE(eventually([&] {
             const auto clients = connection_->property32(
                 connection_->root(), connection_->atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW);
             return std::ranges::find(clients, window.id()) != clients.end();
         })) << "the window manager never managed the window";
+    }
+    // Asks the window manager to activate `window` once it manages it.
+    void activate(TestWindow& window) {
+        waitUntilManaged(window);
         X11Activator::requestActivation(*connection_, window.id());
         window.connection().dispatch();
     }
@@ -128,12 +133,15 @@ TEST_F(X11FrontmostTests, TheFrontApplicationIsNamedByItsDesktopFile) {
                  "StartupWMClass=ExampleNotes\n");
     TestWindow notes(sharedServer().display(), "examplenotes", "ExampleNotes", 4242);
     TestWindow plain(sharedServer().display(), "plaintool", "PlainTool", 4343);
+    waitUntilManaged(notes);
+    waitUntilManaged(plain);
+    const ClipTargetApp named{4242, "org.example.Notes", "Notes"};
     activate(notes);
-    ASSERT_TRUE(frontPidBecomes(4242));
-    EXPECT_EQ(frontmost_->frontApp(), (ClipTargetApp{4242, "org.example.Notes", "Notes"}));
+    EXPECT_TRUE(eventually([&] { return frontmost_->frontApp() == named; }))
+        << "the desktop file names the application";
+    const ClipTargetApp byClass{4343, "PlainTool", "PlainTool"};
     activate(plain);
-    ASSERT_TRUE(frontPidBecomes(4343));
-    EXPECT_EQ(frontmost_->frontApp(), (ClipTargetApp{4343, "PlainTool", "PlainTool"}))
+    EXPECT_TRUE(eventually([&] { return frontmost_->frontApp() == byClass; }))
         << "without a desktop file the class names the application";
     EXPECT_FALSE(frontmost_->isActive());
 }
