@@ -8,6 +8,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <gtest/gtest.h>
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
@@ -73,5 +75,27 @@ inline bool waitUntil(const std::function<bool()>& condition, int milliseconds =
     }
     return true;
 }
+
+// A test suite whose program talks over its own private bus: the bus and the Qt application
+// live for the whole suite.
+class PrivateBusSuite : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        bus = new PrivateBus();
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus->address().c_str(), 1);
+        static int argc = 1;
+        static char name[] = "harbex-tests";
+        static char* argv[] = {name, nullptr};
+        application = new QCoreApplication(argc, argv);
+    }
+    static void TearDownTestSuite() {
+        delete application;
+        delete bus;
+    }
+    void SetUp() override { ASSERT_FALSE(bus->address().empty()) << "dbus-daemon did not start"; }
+
+    static inline PrivateBus* bus = nullptr;
+    static inline QCoreApplication* application = nullptr;
+};
 
 }  // namespace harbex

@@ -23,22 +23,8 @@
 namespace harbex {
 namespace {
 
-class ClipInstanceTests : public ::testing::Test {
+class ClipInstanceTests : public PrivateBusSuite {
 protected:
-    static void SetUpTestSuite() {
-        bus = new PrivateBus();
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus->address().c_str(), 1);
-        static int argc = 1;
-        static char name[] = "AppInstanceTests";
-        static char* argv[] = {name, nullptr};
-        application = new QCoreApplication(argc, argv);
-    }
-    static void TearDownTestSuite() {
-        delete application;
-        delete bus;
-    }
-    void SetUp() override { ASSERT_FALSE(bus->address().empty()) << "dbus-daemon did not start"; }
-
     // Each connection is a bus client of its own, as two processes are.
     static QDBusConnection connect() {
         return QDBusConnection::connectToBus(QString::fromStdString(bus->address()),
@@ -61,8 +47,6 @@ protected:
         return claim;
     }
 
-    static inline PrivateBus* bus = nullptr;
-    static inline QCoreApplication* application = nullptr;
     static inline int connections = 0;
 };
 

@@ -27,31 +27,14 @@ namespace {
 namespace fs = std::filesystem;
 constexpr const char* kPins = "clipboard-pins.json";
 
-class DBusDocumentNotifierTests : public ::testing::Test {
+class DBusDocumentNotifierTests : public PrivateBusSuite {
 protected:
-    static void SetUpTestSuite() {
-        bus = new PrivateBus();
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus->address().c_str(), 1);
-        static int argc = 1;
-        static char name[] = "DBusDocumentNotifierTests";
-        static char* argv[] = {name, nullptr};
-        application = new QCoreApplication(argc, argv);
-    }
-    static void TearDownTestSuite() {
-        delete application;
-        delete bus;
-    }
-
-    void SetUp() override { ASSERT_FALSE(bus->address().empty()) << "dbus-daemon did not start"; }
-
     // Each connection is its own bus client with its own unique name, as two applications are.
     static QDBusConnection connect(const char* label) {
         const QString name = QString::fromLatin1(label) + QString::number(++connectionCount);
         return QDBusConnection::connectToBus(QString::fromStdString(bus->address()), name);
     }
 
-    static inline PrivateBus* bus = nullptr;
-    static inline QCoreApplication* application = nullptr;
     static inline int connectionCount = 0;
 };
 
