@@ -1,7 +1,10 @@
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
 
 #include <algorithm>
+#include <cassert>
 
+#include "HarbexClipCore/Panel/ClipPanelPlacement.hpp"
+#include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
 #include "HarbexClipCore/Text/ColorParser.hpp"
 
@@ -19,6 +22,10 @@ constexpr std::string_view kPinned = "Pinned, and in Harbex Tidepool too";
 constexpr std::string_view kUnpinned = "Unpinned";
 constexpr std::string_view kCannotPin = "That copy can’t be pinned";
 constexpr std::string_view kDeleted = "Deleted";
+
+std::string returnKeyName(ClipKeyVocabulary vocabulary) {
+    return clipKeyName(keycode::kReturn, vocabulary);
+}
 
 std::string headerID(ClipRowGroup group) { return "header." + std::string(enumName(group)); }
 
@@ -98,6 +105,7 @@ void ClipPanelModel::buildRows(const ClipSearchOutcome& outcome) {
             pinnedIDs_.contains(item->id) ? ClipRowGroup::pinned : days.groupOf(item->date);
         groups[static_cast<std::size_t>(group)].push_back(item);
     }
+    ++rowsRevision_;
     rows_.clear();
     rows_.reserve(results_.size() + groups.size());
     for (std::size_t g = 0; g < groups.size(); ++g) {
@@ -132,6 +140,71 @@ const ClipItem* ClipPanelModel::selectedItem() const {
     if (!selectedID_) return nullptr;
     const auto found = positions_.find(*selectedID_);
     return found == positions_.end() ? nullptr : &items_[found->second];
+}
+
+ClipPanelRowLook ClipPanelModel::look(std::size_t index) const {
+    const ClipPanelRow& row = rows_.at(index);
+    assert(row.item);
+    // Only the first rows can carry ⌘1…⌘9, so counting the headers before them is short.
+    int number = 0;
+    if (index < 16) {
+        number = 1;
+        for (std::size_t i = 0; i < index; ++i) number += rows_[i].item ? 1 : 0;
+    }
+    const ClipItem& item = *row.item;
+    ClipPanelRowLook look = ClipPanelRowLook::of(
+        item, pinnedIDs_.contains(item.id) ? ClipPinState::pinned : ClipPinState::unpinned,
+        stack_.contains(item.id) ? ClipStackState::stacked : ClipStackState::unstacked, number);
+    if (look.number > 0) {
+        const auto digit = clipKeyCodeForKeysym(static_cast<std::uint32_t>('0' + look.number));
+        if (digit) look.numberKeys = commandKeys(*digit, options_.vocabulary);
+    }
+    return look;
+}
+
+std::optional<ClipPanelPreview> ClipPanelModel::preview() const {
+    if (mode_ == Mode::actions && actionItem_) {
+        const ClipPanelAction* action = selectedAction();
+        if (!action || !actionPreview_) return ClipPanelPreview::of(*actionItem_);
+        ClipPanelPreview result;
+        result.kind = ClipPanelPreview::Kind::text;
+        result.title = action->title;
+        result.body = *actionPreview_;
+        result.isCode = actionItem_->kind == ClipKind::code;
+        result.details = returnKeyName(options_.vocabulary) + " pastes it, " +
+                         commandKeys(keycode::kReturn, options_.vocabulary) +
+                         " keeps it as a new copy";
+        return result;
+    }
+    const ClipItem* item = selectedItem();
+    if (!item) return std::nullopt;
+    return ClipPanelPreview::of(*item);
+}
+
+std::vector<ClipPanelHint> ClipPanelModel::hints() const {
+    const ClipKeyVocabulary v = options_.vocabulary;
+    const std::string enter = returnKeyName(v);
+    if (mode_ == Mode::actions) {
+        return {{enter, "Run"}, {"Tab", "Next group"}, {"Esc", "Back"}};
+    }
+    std::vector<ClipPanelHint> hints;
+    const ClipItem* item = selectedItem();
+    if (!stack_.isEmpty()) {
+        hints.push_back({enter, "Paste the stack (" + std::to_string(stack_.ids.size()) + ")"});
+    } else if (item) {
+        hints.push_back({enter, engine_.settings()->panel.returnCopiesOnly ? "Copy" : "Paste"});
+    }
+    if (item) {
+        hints.push_back({commandKeys(keycode::kK, v), "Actions"});
+        hints.push_back({commandKeys(keycode::kP, v), isPinned(item->id) ? "Unpin" : "Pin"});
+    }
+    hints.push_back({"Tab", "Filter"});
+    return hints;
+}
+
+bool ClipPanelModel::showsPreview() const {
+    const ClipPanelSettings& panel = engine_.settings()->panel;
+    return panel.showsPreview && ClipPanelPlacement::hasPreview(panel.size);
 }
 
 void ClipPanelModel::open(std::optional<ClipTargetApp> target) {
@@ -234,6 +307,8 @@ ClipPanelModel::Effect ClipPanelModel::pasteOutcome(const PasteResult& result) {
 
 ClipPanelModel::Effect ClipPanelModel::paste(const ClipItem& item,
                                              std::optional<ClipPasteForm> form) {
+    // "Copies instead of pasting": the copy waits on the clipboard for the person to paste.
+    if (engine_.settings()->panel.returnCopiesOnly) return copySelected(item);
     return pasteOutcome(engine_.paste(item, form, target_));
 }
 

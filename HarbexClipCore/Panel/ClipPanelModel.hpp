@@ -14,7 +14,9 @@
 #include "HarbexClipCore/Panel/ClipPanelActions.hpp"
 #include "HarbexClipCore/Panel/ClipPanelEngine.hpp"
 #include "HarbexClipCore/Panel/ClipPanelKey.hpp"
+#include "HarbexClipCore/Panel/ClipPanelPreview.hpp"
 #include "HarbexClipCore/Panel/ClipPanelRow.hpp"
+#include "HarbexClipCore/Panel/ClipPanelRowLook.hpp"
 #include "HarbexClipCore/Panel/ClipPanelText.hpp"
 #include "HarbexClipCore/Paste/ClipStackSequence.hpp"
 #include "HarbexClipCore/Paste/PasteStack.hpp"
@@ -25,6 +27,14 @@
 #include "HarbexClipCore/Text/ClipSearchIndex.hpp"
 
 namespace harbex {
+
+// One key hint of the panel's footer: the key as the vocabulary names it, and what it does.
+struct ClipPanelHint {
+    std::string key;
+    std::string label;
+
+    friend bool operator==(const ClipPanelHint&, const ClipPanelHint&) = default;
+};
 
 // How a panel model is set up beyond its collaborators.
 struct ClipPanelOptions {
@@ -129,6 +139,23 @@ public:
     // The selected copy, when there is one.
     const ClipItem* selectedItem() const;
 
+    // How the copy in row `index` of `rows()` looks: pinned and stacked marks from the model,
+    // ⌘1…⌘9 numbers by its place among the listed copies. Requires an item row.
+    ClipPanelRowLook look(std::size_t index) const;
+    // Whether the copy is pinned (listed under "Pinned").
+    bool isPinned(const Uuid& id) const { return pinnedIDs_.contains(id); }
+    // What the preview pane shows: the selected copy; in actions mode the copy the actions are
+    // for, or the selected action's result when it has one (titled with the action). Nothing
+    // without a copy.
+    std::optional<ClipPanelPreview> preview() const;
+    // The footer's key hints for the mode and the selection.
+    std::vector<ClipPanelHint> hints() const;
+    // Whether the pane is shown: the `showsPreview` setting, at a size with room for it.
+    bool showsPreview() const;
+    // Advances whenever `rows()` is rebuilt (history, query or filter changes), not when only
+    // the selection, the notice or the mode change.
+    std::uint64_t rowsRevision() const { return rowsRevision_; }
+
     // Advances after every change the view should redraw for.
     Observable<std::uint64_t>& revision() { return revision_; }
 
@@ -200,6 +227,7 @@ private:
     ClipSearchIndex index_;
     std::vector<Subscription> watch_;
     Observable<std::uint64_t> revision_{0};
+    std::uint64_t rowsRevision_ = 0;
     // Shared with scheduled fades so that one running after the model is gone does nothing.
     std::shared_ptr<ClipPanelModel*> alive_;
 };
