@@ -146,7 +146,7 @@ public:
     bool isPaused() const;
 
     // Settings: published, stored at once; a change of retention or count limit prunes.
-    void updateSettings(ClipSettings settings);
+    void updateSettings(ClipSettings settings) override;
 
     // Pasting (see ClipPaster). `form` absent: `pastesPlainByDefault` decides. The returned
     // change count is remembered so the write is not captured. `pasted` counts the paste;
@@ -185,12 +185,12 @@ public:
     std::optional<ClipItem> addText(const std::string& text, const ClipItem& from) override;
 
     // Pinboards.
-    bool addPinboard(Pinboard board);
-    bool renamePinboard(const Uuid& board, std::string name);
-    bool setPinboardColor(const Uuid& board, std::string color);
-    bool setPinboardSymbol(const Uuid& board, std::string symbol);
-    bool removePinboard(const Uuid& board);
-    bool movePinboards(std::span<const std::size_t> fromOffsets, std::size_t toOffset);
+    bool addPinboard(Pinboard board) override;
+    bool renamePinboard(const Uuid& board, std::string name) override;
+    bool setPinboardColor(const Uuid& board, std::string color) override;
+    bool setPinboardSymbol(const Uuid& board, std::string symbol) override;
+    bool removePinboard(const Uuid& board) override;
+    bool movePinboards(std::span<const std::size_t> fromOffsets, std::size_t toOffset) override;
     bool addToPinboard(const Uuid& board, const Uuid& item) override;
     bool removeFromPinboard(const Uuid& board, const Uuid& item) override;
     bool moveOnPinboard(const Uuid& board, std::span<const std::size_t> fromOffsets,

@@ -68,6 +68,16 @@ JsonStatus decodeJson(const JsonValue& json, ClipExportImage& out) {
 
 std::string exportClips(const ClipLibrary& library, const std::vector<Uuid>& pinned,
                         const ClipImageReader& readImage, Date now) {
+    return *exportClips(library, pinned, readImage, now, ClipProgress{});
+}
+
+std::optional<std::string> exportClips(const ClipLibrary& library, const std::vector<Uuid>& pinned,
+                                       const ClipImageReader& readImage, Date now,
+                                       const ClipProgress& progress) {
+    // Reading and encoding images takes most of the time; the records and the text take the
+    // first and the last tenth.
+    const auto told = [&](double fraction) { return !progress || progress(fraction); };
+    if (!told(0)) return std::nullopt;
     JsonObject root;
     root.emplace("format", std::string(kClipExportFormat));
     root.emplace("version", kClipExportVersion);
@@ -76,14 +86,24 @@ std::string exportClips(const ClipLibrary& library, const std::vector<Uuid>& pin
     root.emplace("pinned", encodeJson(pinned));
     JsonArray images;
     std::unordered_set<std::string> written;
+    const double count = static_cast<double>(std::max<std::size_t>(library.items.size(), 1));
+    std::size_t done = 0;
     for (const ClipItem& item : library.items) {
+        // Asking every 64 copies keeps the callback out of the way of a text-only history.
+        if (++done % 64 == 0 && !told(0.1 + 0.8 * static_cast<double>(done) / count)) {
+            return std::nullopt;
+        }
         if (!item.image || !written.insert(item.image->digest).second) continue;
+        if (!told(0.1 + 0.8 * static_cast<double>(done) / count)) return std::nullopt;
         std::optional<Bytes> data = readImage ? readImage(*item.image) : std::nullopt;
         if (!data) continue;
         images.push_back(encodeImage({item.image->digest, item.image->type, std::move(*data)}));
     }
     root.emplace("images", std::move(images));
-    return serializeJson(root);
+    if (!told(0.9)) return std::nullopt;
+    std::string text = serializeJson(root);
+    if (!told(1)) return std::nullopt;
+    return text;
 }
 
 std::expected<ClipExportFile, ClipImportError> readClipExport(std::string_view text) {

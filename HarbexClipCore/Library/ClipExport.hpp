@@ -98,9 +98,17 @@ struct ClipImportResult {
 // them).
 using ClipImageReader = std::function<std::optional<Bytes>(const ClipImageInfo&)>;
 
+// Told how far a long export or import has come, from 0 to 1; returns false to stop it.
+using ClipProgress = std::function<bool(double fraction)>;
+
 // The export file for `library` and `pinned`. Thread: any.
 std::string exportClips(const ClipLibrary& library, const std::vector<Uuid>& pinned,
                         const ClipImageReader& readImage, Date now);
+// The same, telling `progress` as copies are written (reading images is most of the work);
+// nothing when `progress` asked to stop. Thread: any.
+std::optional<std::string> exportClips(const ClipLibrary& library, const std::vector<Uuid>& pinned,
+                                       const ClipImageReader& readImage, Date now,
+                                       const ClipProgress& progress);
 
 // Reads and checks a file. Thread: any.
 std::expected<ClipExportFile, ClipImportError> readClipExport(std::string_view text);

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
@@ -29,6 +30,12 @@ struct ClipLibrarySection {
 
     friend bool operator==(const ClipLibrarySection&, const ClipLibrarySection&) = default;
 };
+
+// The section as one line of text, so that the window reopens where it was left: "all",
+// "today", "pinned", "kind:links", "pinboard:<UUID>", "app:<bundle identifier>". Thread: any.
+std::string persistedName(const ClipLibrarySection& section);
+// The section a persisted name stands for; nothing for a name this version does not know.
+std::optional<ClipLibrarySection> sectionFromPersistedName(std::string_view name);
 
 // What a section needs to decide membership, gathered once per listing.
 struct ClipSectionContext {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "HarbexClipCore/Library/ClipLibraryModel.hpp"
 #include "HarbexClipCore/Panel/ClipPanelRow.hpp"
 #include "HarbexClipCore/Panel/ClipPanelText.hpp"
 
@@ -54,6 +55,35 @@ std::string lastUsed(Date last, Date now, const Calendar& calendar) {
     return " · last " + std::to_string(days) + " days ago";
 }
 
+std::string inQuotes(std::string_view text) { return "“" + std::string(text) + "”"; }
+
+std::string emptySectionText(const ClipLibrarySection& section) {
+    using K = ClipLibrarySection::Kind;
+    switch (section.kind) {
+        case K::pinboard: return std::string(ClipLibraryViewModel::kEmptyPinboard);
+        case K::all: return "Nothing copied yet";
+        case K::today: return "Nothing copied today";
+        case K::pinned: return "Nothing pinned yet";
+        case K::app: return "No copies from this app";
+        case K::kind: break;
+    }
+    switch (section.filter) {
+        case ClipFilter::text: return "No text yet";
+        case ClipFilter::links: return "No links yet";
+        case ClipFilter::images: return "No images yet";
+        case ClipFilter::files: return "No files yet";
+        case ClipFilter::colours: return "No colours yet";
+        case ClipFilter::code: return "No code yet";
+        case ClipFilter::all:
+        case ClipFilter::pinned: break;
+    }
+    return "Nothing copied yet";
+}
+
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
 }  // namespace
 
 ClipLibraryViewModel::ClipLibraryViewModel(ClipLibraryEngine& engine, NowFunction now,
@@ -62,6 +92,8 @@ ClipLibraryViewModel::ClipLibraryViewModel(ClipLibraryEngine& engine, NowFunctio
       now_(std::move(now)),
       calendar_(std::move(calendar)),
       vocabulary_(vocabulary) {
+    sort_ = engine_.settings()->window.sort;
+    showsGrid_ = engine_.settings()->window.layout == ClipLibraryLayout::grid;
     watch_.push_back(engine_.history().subscribe([this](const auto&) { engineChanged(); }));
     watch_.push_back(engine_.pins().subscribe([this](const auto&) { engineChanged(); }));
     watch_.push_back(engine_.pinboards().subscribe([this](const auto&) { engineChanged(); }));
@@ -76,14 +108,23 @@ void ClipLibraryViewModel::engineChanged() {
 }
 
 void ClipLibraryViewModel::refresh() {
-    const Date now = now_();
-    items_ = listing_.list(section_, query_, now, calendar_);
+    items_ = listing_.list(section_, query_, now_(), calendar_);
+    regroup();
+    if (selectedID_ && !listing_.item(*selectedID_)) selectedID_.reset();
+    revision_.set(revision_.get() + 1);
+}
+
+void ClipLibraryViewModel::regroup() {
     groups_.clear();
-    if (section_.kind == ClipLibrarySection::Kind::pinboard) {
+    const bool isBoard = section_.kind == ClipLibrarySection::Kind::pinboard;
+    if (sort_ != ClipLibrarySort::newest) {
+        ClipLibraryModel::sortItems(items_, sort_);
+        if (!items_.empty()) groups_.push_back({std::nullopt, items_});
+    } else if (isBoard) {
         // A pinboard is the user's arrangement: one run, in their order.
         if (!items_.empty()) groups_.push_back({std::nullopt, items_});
     } else {
-        const ClipDayGroups days(now, calendar_);
+        const ClipDayGroups days(now_(), calendar_);
         std::array<std::vector<ClipItem>, 5> runs;
         for (const ClipItem& item : items_) {
             runs[static_cast<std::size_t>(days.groupOf(item.date))].push_back(item);
@@ -94,8 +135,104 @@ void ClipLibraryViewModel::refresh() {
                 {std::string(rowGroupTitle(static_cast<ClipRowGroup>(g))), std::move(runs[g])});
         }
     }
-    if (selectedID_ && !listing_.item(*selectedID_)) selectedID_.reset();
+}
+
+void ClipLibraryViewModel::storeWindowSettings(ClipLibrarySort sort, ClipLibraryLayout layout) {
+    ClipSettings settings = engine_.settings().get();
+    if (settings.window.sort == sort && settings.window.layout == layout) return;
+    settings.window.sort = sort;
+    settings.window.layout = layout;
+    engine_.updateSettings(std::move(settings));
+}
+
+void ClipLibraryViewModel::setSort(ClipLibrarySort sort) {
+    sort_ = sort;
+    storeWindowSettings(sort_, showsGrid_ ? ClipLibraryLayout::grid : ClipLibraryLayout::list);
+    refresh();
+}
+
+void ClipLibraryViewModel::setShowsGrid(bool showsGrid) {
+    showsGrid_ = showsGrid;
+    storeWindowSettings(sort_, showsGrid_ ? ClipLibraryLayout::grid : ClipLibraryLayout::list);
     revision_.set(revision_.get() + 1);
+}
+
+std::optional<Uuid> ClipLibraryViewModel::addPinboard(std::string name) {
+    const std::vector<Pinboard>& boards = engine_.pinboards().get();
+    Pinboard board;
+    board.id = Uuid::random();
+    board.name = isBlank(name) ? std::string(kNewPinboardName) : std::move(name);
+    board.color = std::string(kPinboardColors[boards.size() % kPinboardColors.size()]);
+    board.symbol = std::string(kPinboardSymbols.front());
+    const Uuid id = board.id;
+    if (!engine_.addPinboard(std::move(board))) return std::nullopt;
+    return id;
+}
+
+bool ClipLibraryViewModel::renamePinboard(const Uuid& board, std::string name) {
+    if (isBlank(name)) return false;
+    return engine_.renamePinboard(board, std::move(name));
+}
+
+bool ClipLibraryViewModel::setPinboardColor(const Uuid& board, std::string color) {
+    return engine_.setPinboardColor(board, std::move(color));
+}
+
+bool ClipLibraryViewModel::setPinboardSymbol(const Uuid& board, std::string symbol) {
+    return engine_.setPinboardSymbol(board, std::move(symbol));
+}
+
+bool ClipLibraryViewModel::removePinboard(const Uuid& board) {
+    // Leave the board's section first so the refresh that follows lists something real.
+    if (section_.kind == ClipLibrarySection::Kind::pinboard && section_.pinboardID == board) {
+        section_ = ClipLibrarySection::all();
+    }
+    const bool removed = engine_.removePinboard(board);
+    refresh();
+    return removed;
+}
+
+bool ClipLibraryViewModel::movePinboard(const Uuid& board, std::size_t index) {
+    const std::vector<Pinboard>& boards = engine_.pinboards().get();
+    const auto found =
+        std::ranges::find_if(boards, [&](const Pinboard& each) { return each.id == board; });
+    if (found == boards.end()) return false;
+    const auto from = static_cast<std::size_t>(found - boards.begin());
+    index = std::min(index, boards.size() - 1);
+    if (index == from) return true;
+    // The engine takes the offset to insert before, counted in the old order.
+    const std::size_t offsets[] = {from};
+    return engine_.movePinboards(offsets, index > from ? index + 1 : index);
+}
+
+bool ClipLibraryViewModel::movePinboard(const Uuid& board, Step step) {
+    const std::vector<Pinboard>& boards = engine_.pinboards().get();
+    const auto found =
+        std::ranges::find_if(boards, [&](const Pinboard& each) { return each.id == board; });
+    if (found == boards.end()) return false;
+    const auto from = static_cast<std::size_t>(found - boards.begin());
+    if (step == Step::up) return from > 0 && movePinboard(board, from - 1);
+    return from + 1 < boards.size() && movePinboard(board, from + 1);
+}
+
+void ClipLibraryViewModel::addSelectedToPinboard(const Uuid& board) {
+    const ClipItem* item = selectedItem();
+    const Pinboard* target = listing_.pinboard(board);
+    if (!item || !target) return;
+    const std::string name = target->name;
+    if (!engine_.addToPinboard(board, item->id)) {
+        return showNotice("That copy can’t go on " + inQuotes(name));
+    }
+    showNotice("Added to " + inQuotes(name));
+}
+
+void ClipLibraryViewModel::removeSelectedFromPinboard() {
+    const ClipItem* item = selectedItem();
+    const std::optional<Uuid>& board = section_.pinboardID;
+    if (!item || section_.kind != ClipLibrarySection::Kind::pinboard || !board) return;
+    const Pinboard* shown = listing_.pinboard(*board);
+    const std::string name = shown ? shown->name : std::string();
+    if (engine_.removeFromPinboard(*board, item->id)) showNotice("Removed from " + inQuotes(name));
 }
 
 void ClipLibraryViewModel::setSection(ClipLibrarySection section) {
@@ -185,9 +322,13 @@ std::expected<ClipImportResult, ClipImportError> ClipLibraryViewModel::importFil
         showNotice(file.error().message);
         return std::unexpected(file.error());
     }
+    return merge(std::move(*file));
+}
+
+std::expected<ClipImportResult, ClipImportError> ClipLibraryViewModel::merge(ClipExportFile file) {
     std::vector<Uuid> pinned;
     for (const ClipItem& pin : engine_.pins().get()) pinned.push_back(pin.id);
-    ClipImportResult result = mergeClipExport(engine_.library(), pinned, std::move(*file));
+    ClipImportResult result = mergeClipExport(engine_.library(), pinned, std::move(file));
     if (!engine_.adoptImport(result.library, result.newPins)) {
         const ClipImportError closed{ClipImportError::Code::badRecord,
                                      "This file can’t be imported while the history is closed."};
@@ -206,11 +347,35 @@ std::expected<ClipImportResult, ClipImportError> ClipLibraryViewModel::importFil
     return result;
 }
 
-std::optional<std::string> ClipLibraryViewModel::emptyState() const {
-    if (section_.kind == ClipLibrarySection::Kind::pinboard && items_.empty() && query_.empty()) {
-        return std::string(kEmptyPinboard);
+ClipExportSnapshot ClipLibraryViewModel::exportSnapshot() const {
+    ClipExportSnapshot snapshot{engine_.library(), {}, now_()};
+    for (const ClipItem& pin : engine_.pins().get()) snapshot.pinned.push_back(pin.id);
+    return snapshot;
+}
+
+void ClipLibraryViewModel::exportFinished(const std::expected<void, ClipTransferError>& result,
+                                          const std::string& fileName) {
+    showNotice(result ? "Exported to " + inQuotes(fileName) : result.error().message);
+}
+
+std::expected<ClipImportResult, ClipTransferError> ClipLibraryViewModel::importFinished(
+    std::expected<ClipExportFile, ClipTransferError> file) {
+    if (!file) {
+        showNotice(file.error().message);
+        return std::unexpected(file.error());
     }
-    return std::nullopt;
+    auto merged = merge(std::move(*file));
+    if (!merged) {
+        return std::unexpected(
+            ClipTransferError{ClipTransferError::Code::refused, merged.error().message});
+    }
+    return std::move(*merged);
+}
+
+std::optional<std::string> ClipLibraryViewModel::emptyState() const {
+    if (!items_.empty()) return std::nullopt;
+    if (!isBlank(query_)) return "No copies match " + inQuotes(query_);
+    return emptySectionText(section_);
 }
 
 std::optional<ClipLibraryDetail> ClipLibraryViewModel::detail() const {

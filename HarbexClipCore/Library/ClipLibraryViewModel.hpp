@@ -10,6 +10,8 @@
 #include "HarbexClipCore/Library/ClipLibraryEngine.hpp"
 #include "HarbexClipCore/Library/ClipLibraryListing.hpp"
 #include "HarbexClipCore/Library/ClipLibrarySection.hpp"
+#include "HarbexClipCore/Library/ClipLibraryTransfer.hpp"
+#include "HarbexClipCore/Library/ClipPinboardStyle.hpp"
 #include "HarbexClipCore/Settings/ClipKeyCodes.hpp"
 #include "HarbexClipCore/Support/Calendar.hpp"
 #include "HarbexClipCore/Support/Clock.hpp"
@@ -41,6 +43,10 @@ public:
     static constexpr std::string_view kPinned = "Pinned, and in Harbex Tidepool too";
     static constexpr std::string_view kUnchanged = "That doesn’t change this copy";
     static constexpr std::string_view kEmptyPinboard = "This pinboard is empty";
+    static constexpr std::string_view kNewPinboardName = "New Pinboard";
+
+    // Which way a pinboard moves in the sidebar.
+    enum class Step { up, down };
 
     // `engine` is observed and must outlive the model.
     ClipLibraryViewModel(ClipLibraryEngine& engine, NowFunction now, Calendar calendar,
@@ -52,6 +58,31 @@ public:
     void select(std::optional<Uuid> id);
     void setTarget(std::optional<ClipTargetApp> target) { target_ = std::move(target); }
     void setDraft(std::string draft) { draft_ = std::move(draft); }
+
+    // The order and layout of the list. Both start from the window settings, and each change is
+    // stored there at once so the window reopens the same way. Any order but `newest` lists
+    // one run without day headings (they only make sense while the list runs by date).
+    ClipLibrarySort sort() const { return sort_; }
+    bool showsGrid() const { return showsGrid_; }
+    void setSort(ClipLibrarySort sort);
+    void setShowsGrid(bool showsGrid);
+
+    // Pinboards. A new board takes a blank name as "New Pinboard" and the next colour of the
+    // palette; it returns the new board's id, or nothing when the history is closed. Renaming
+    // to a blank name is refused. Removing the board being shown goes back to `all`.
+    std::optional<Uuid> addPinboard(std::string name);
+    bool renamePinboard(const Uuid& board, std::string name);
+    bool setPinboardColor(const Uuid& board, std::string color);
+    bool setPinboardSymbol(const Uuid& board, std::string symbol);
+    bool removePinboard(const Uuid& board);
+    // Moves a board to `index` in the user's order (clamped to the end).
+    bool movePinboard(const Uuid& board, std::size_t index);
+    // One place up or down; false at either end.
+    bool movePinboard(const Uuid& board, Step step);
+    // Puts the selected copy on `board` / takes it off the board being shown; each leaves a
+    // notice naming the board.
+    void addSelectedToPinboard(const Uuid& board);
+    void removeSelectedFromPinboard();
 
     // Actions on the selected copy; each leaves a notice.
     void paste(std::optional<ClipPasteForm> form = std::nullopt);
@@ -78,8 +109,20 @@ public:
     // nothing. The images of the added copies come back for the caller to store beside the
     // history; the notice says what was added.
     std::expected<ClipImportResult, ClipImportError> importFile(std::string_view text);
+    // What an export made on another thread needs.
+    ClipExportSnapshot exportSnapshot() const;
+    // The notice after an export to the file named `fileName` finished or failed.
+    void exportFinished(const std::expected<void, ClipTransferError>& result,
+                        const std::string& fileName);
+    // Merges a file read and checked on another thread (see readClipExportFile); a failure of
+    // reading becomes the notice.
+    std::expected<ClipImportResult, ClipTransferError> importFinished(
+        std::expected<ClipExportFile, ClipTransferError> file);
 
-    // "This pinboard is empty" for a pinboard without copies; nothing otherwise.
+    // What the list says when it has no rows: "No copies match “…”" for a search that found
+    // nothing, "This pinboard is empty" for an empty board, and a line per empty section
+    // ("Nothing copied yet", "Nothing pinned yet", "No links yet", ...). Nothing while there
+    // are rows.
     std::optional<std::string> emptyState() const;
     std::optional<ClipLibraryDetail> detail() const;
     // The detail lines of any copy at `now`.
@@ -93,6 +136,9 @@ private:
     void refresh();
     const ClipItem* selectedItem() const;
     void showNotice(std::string text);
+    void regroup();
+    void storeWindowSettings(ClipLibrarySort sort, ClipLibraryLayout layout);
+    std::expected<ClipImportResult, ClipImportError> merge(ClipExportFile file);
 
     ClipLibraryEngine& engine_;
     NowFunction now_;
@@ -108,6 +154,8 @@ private:
     std::optional<std::string> notice_;
     std::optional<ClipTargetApp> target_;
     std::string draft_;
+    ClipLibrarySort sort_ = ClipLibrarySort::newest;
+    bool showsGrid_ = false;
 
     ClipLibraryListing listing_;
     std::vector<Subscription> watch_;

@@ -151,9 +151,41 @@ bool MemoryClipEngine::adoptImport(ClipLibrary merged, const std::vector<Uuid>& 
     return true;
 }
 
-void MemoryClipEngine::addPinboard(Pinboard board) {
+bool MemoryClipEngine::addPinboard(Pinboard board) {
     model.addPinboard(std::move(board));
     publish();
+    return true;
+}
+
+bool MemoryClipEngine::renamePinboard(const Uuid& board, std::string name) {
+    const bool found = model.renamePinboard(board, std::move(name));
+    publish();
+    return found;
+}
+
+bool MemoryClipEngine::setPinboardColor(const Uuid& board, std::string color) {
+    const bool found = model.setPinboardColor(board, std::move(color));
+    publish();
+    return found;
+}
+
+bool MemoryClipEngine::setPinboardSymbol(const Uuid& board, std::string symbol) {
+    const bool found = model.setPinboardSymbol(board, std::move(symbol));
+    publish();
+    return found;
+}
+
+bool MemoryClipEngine::removePinboard(const Uuid& board) {
+    const bool found = model.removePinboard(board);
+    publish();
+    return found;
+}
+
+bool MemoryClipEngine::movePinboards(std::span<const std::size_t> fromOffsets,
+                                     std::size_t toOffset) {
+    model.movePinboards(fromOffsets, toOffset);
+    publish();
+    return true;
 }
 
 void MemoryClipEngine::publish() {

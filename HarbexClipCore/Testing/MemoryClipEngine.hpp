@@ -53,7 +53,13 @@ public:
     const ClipLibrary& library() override { return model.library(); }
     bool adoptImport(ClipLibrary merged, const std::vector<Uuid>& pinIDs) override;
 
-    void addPinboard(Pinboard board);
+    bool addPinboard(Pinboard board) override;
+    bool renamePinboard(const Uuid& board, std::string name) override;
+    bool setPinboardColor(const Uuid& board, std::string color) override;
+    bool setPinboardSymbol(const Uuid& board, std::string symbol) override;
+    bool removePinboard(const Uuid& board) override;
+    bool movePinboards(std::span<const std::size_t> fromOffsets, std::size_t toOffset) override;
+    void updateSettings(ClipSettings settings) override { settings_.set(std::move(settings)); }
 
     // The payload a copy puts on the pasteboard (plain drops the formatting).
     static ClipPayload payloadOf(const ClipItem& item, ClipPasteForm form);
