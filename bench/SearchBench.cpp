@@ -2,9 +2,10 @@
 //
 // Keystroke figures are per keystroke over a fixed list of two-word queries typed a character at
 // a time; `p95_ms` is the 95th percentile of those keystrokes in wall time, `p95_cpu_ms` in the
-// thread's CPU time. `Rescore` scores every entry on
-// each keystroke (what a first keystroke or a pasted query costs); `Typing` lets the index
-// re-score only the last matches while the query grows, as the panel does.
+// thread's CPU time. `Rescore` scores every entry on each keystroke (what a first keystroke or a
+// pasted query costs); `Typing` lets the index re-score only the last matches while the query
+// grows, as the panel does; `Backspace` types each query whole and measures the keystrokes that
+// take it back to its first character.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -54,16 +55,6 @@ const std::vector<std::string> kQueries = {
     "grusse thanks", "quarter report", "github review", "address number", "update attached",
 };
 
-std::vector<std::string> keystrokes() {
-    std::vector<std::string> out;
-    for (const std::string& query : kQueries) {
-        for (std::size_t length = 1; length <= query.size(); ++length) {
-            out.push_back(query.substr(0, length));
-        }
-    }
-    return out;
-}
-
 // CPU time of this thread: the machine that runs the benchmarks is shared, and wall time there
 // mostly measures the neighbours.
 double threadMillis() {
@@ -77,30 +68,56 @@ double percentile95(std::vector<double> values) {
     return values[std::min(values.size() - 1, values.size() * 95 / 100)];
 }
 
-enum class Reuse { none, previousMatches };
+enum class Keys { rescore, typing, backspace };
 
-void keystrokeBench(benchmark::State& state, Reuse reuse) {
+// One keystroke: the query after it, whether it starts a new query (so nothing is remembered
+// from the last one) and whether it counts in the figures.
+struct Keystroke {
+    std::string query;
+    bool startsQuery = false;
+    bool measured = true;
+};
+
+std::vector<Keystroke> keystrokes(Keys keys) {
+    std::vector<Keystroke> out;
+    for (const std::string& query : kQueries) {
+        for (std::size_t length = 1; length <= query.size(); ++length) {
+            out.push_back({query.substr(0, length), length == 1, keys != Keys::backspace});
+        }
+        if (keys != Keys::backspace) continue;
+        for (std::size_t length = query.size() - 1; length >= 1; --length) {
+            out.push_back({query.substr(0, length), false, true});
+        }
+    }
+    return out;
+}
+
+void keystrokeBench(benchmark::State& state, Keys keys) {
     const ClipLibrary& library = history(static_cast<std::size_t>(state.range(0)));
     ClipSearchIndex index;
     index.rebuild(library.items);
     const Calendar calendar("UTC", "en_US");
     const std::unordered_set<Uuid> pinned;
-    const std::vector<std::string> typed = keystrokes();
+    const std::vector<Keystroke> typed = keystrokes(keys);
     std::vector<double> millis;
     std::vector<double> cpuMillis;
     std::size_t results = 0;
     for (auto _ : state) {
-        for (const std::string& query : typed) {
-            if (reuse == Reuse::none || query.size() == 1) index.forgetPreviousQuery();
+        for (const Keystroke& key : typed) {
+            if (keys == Keys::rescore || key.startsQuery) {
+                index.forgetPreviousQuery();
+            }
             const auto start = std::chrono::steady_clock::now();
             const double cpuStart = threadMillis();
-            const ClipSearchOutcome outcome = index.search({query, ClipFilter::all, std::nullopt},
-                                                           pinned, bench::kSyntheticNow, calendar);
-            cpuMillis.push_back(threadMillis() - cpuStart);
+            const ClipSearchOutcome outcome = index.search(
+                {key.query, ClipFilter::all, std::nullopt}, pinned, bench::kSyntheticNow, calendar);
+            const double cpu = threadMillis() - cpuStart;
             const auto end = std::chrono::steady_clock::now();
+            benchmark::DoNotOptimize(outcome);
+            if (!key.measured) continue;
+            cpuMillis.push_back(cpu);
             millis.push_back(std::chrono::duration<double, std::milli>(end - start).count());
             results += outcome.results.size();
-            benchmark::DoNotOptimize(outcome);
         }
     }
     state.counters["p95_ms"] = percentile95(millis);
@@ -115,8 +132,9 @@ void keystrokeBench(benchmark::State& state, Reuse reuse) {
         static_cast<double>(results) / static_cast<double>(millis.size());
 }
 
-void BM_KeystrokeRescore(benchmark::State& state) { keystrokeBench(state, Reuse::none); }
-void BM_KeystrokeTyping(benchmark::State& state) { keystrokeBench(state, Reuse::previousMatches); }
+void BM_KeystrokeRescore(benchmark::State& state) { keystrokeBench(state, Keys::rescore); }
+void BM_KeystrokeTyping(benchmark::State& state) { keystrokeBench(state, Keys::typing); }
+void BM_KeystrokeBackspace(benchmark::State& state) { keystrokeBench(state, Keys::backspace); }
 
 void BM_BuildEntries(benchmark::State& state) {
     const ClipLibrary& library = history(static_cast<std::size_t>(state.range(0)));
@@ -139,6 +157,13 @@ BENCHMARK(BM_KeystrokeRescore)
     ->Iterations(2)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_KeystrokeTyping)
+    ->Arg(1'000)
+    ->Arg(10'000)
+    ->Arg(100'000)
+    ->Iterations(2)
+    ->Unit(benchmark::kMillisecond);
+
+BENCHMARK(BM_KeystrokeBackspace)
     ->Arg(1'000)
     ->Arg(10'000)
     ->Arg(100'000)

@@ -20,7 +20,6 @@ struct ClipSearchEntry {
     static constexpr std::size_t kSearchedCharacters = 20'000;
 
     Uuid id;
-    ClipKind kind = ClipKind::text;
     Date date;  // when last copied: newer copies list first among equal scores
     FoldedText title;
     // The text, the link title, the recognised text and the file paths, one per line.
@@ -29,6 +28,8 @@ struct ClipSearchEntry {
     // The source application's bundle identifier as captured, for the application filter; never
     // scored.
     std::optional<std::string> appID;
+    // Last, where it fills what would be padding.
+    ClipKind kind = ClipKind::text;
 
     // Thread: any. Cost grows with the texts (at most 20,000 characters each of text and
     // recognised text).

@@ -47,7 +47,9 @@ struct ClipSearchOutcome {
 // The search entries of the whole history, kept in step with it, and the search over them.
 // While the user keeps typing (each word of the new query extends the word in the same place
 // of the last one, and the filters and range are unchanged) only the last query's matches are
-// scored again: a longer word never matches where its beginning did not.
+// scored again: a longer word never matches where its beginning did not. The matches of the
+// shorter queries typed on the way are kept until the history changes, so that Backspace
+// gives them back without scoring anything.
 // Thread: one at a time, the owner's (the main thread in the application).
 class ClipSearchIndex {
 public:
@@ -70,33 +72,51 @@ public:
                              const Calendar& calendar);
 
     // Makes the next search score every entry (for measuring, and after outside changes).
-    void forgetPreviousQuery() { previous_.reset(); }
+    void forgetPreviousQuery() { recent_.clear(); }
 
-    // Heap bytes held by the entries' texts, for measuring.
+    // How many earlier queries are kept for going back to (for tests and measuring).
+    std::size_t rememberedQueries() const { return recent_.size(); }
+
+    // Heap bytes the entries take once searched: their texts and the per-entry summary the
+    // search reads first. For measuring.
     std::size_t textBytes() const;
 
 private:
-    struct PreviousQuery {
+    // What the search reads of every copy before anything else, packed so that a copy none of
+    // whose texts holds all of a word's characters is passed over without touching its texts.
+    struct ScanHead {
+        std::uint64_t titleMask = 0;
+        std::uint64_t appNameMask = 0;
+        std::uint64_t bodyMask = 0;
+        std::uint32_t position = 0;  // in `entries_`
+        ClipKind kind = ClipKind::text;
+    };
+
+    // One query's matches, kept for narrowing it further or going back to it.
+    struct RememberedQuery {
         std::vector<std::string> words;
         ClipFilter filter = ClipFilter::all;
         std::optional<std::string> appID;
         std::optional<ClipDateRange> range;
-        std::vector<std::uint32_t> matches;  // positions in `entries_`, newest first
+        std::vector<std::uint32_t> matches;  // places in `heads_`, newest first
         // Each match's weighted score for each word, a row per match: a word that is the same
         // as before need not be scored again.
         std::vector<std::int32_t> wordScores;
     };
 
     void changed();
-    const std::vector<std::uint32_t>& newestFirst();
+    const std::vector<ScanHead>& heads();
+    std::size_t rememberedSize() const;
 
     std::vector<ClipSearchEntry> entries_;
     std::unordered_map<Uuid, std::size_t> positions_;
-    // Positions in `entries_`, newest first (ties by id); made again after a change. Scoring in
-    // this order leaves only the scores to sort.
-    std::vector<std::uint32_t> newestFirst_;
-    bool newestFirstIsCurrent_ = false;
-    std::optional<PreviousQuery> previous_;
+    // One per entry, newest first (ties by id); made again after a change. Scoring in this
+    // order leaves only the scores to sort.
+    std::vector<ScanHead> heads_;
+    bool headsAreCurrent_ = false;
+    // Queries searched since the last change, each narrowing the one below it: the bottom one
+    // is the shortest.
+    std::vector<RememberedQuery> recent_;
 };
 
 }  // namespace harbex

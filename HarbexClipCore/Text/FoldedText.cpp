@@ -105,7 +105,6 @@ public:
             out.push_back(static_cast<char>(code));
             return;
         }
-        text_.isAscii_ = false;
         if (code < 0x800) {
             out.push_back(static_cast<char>(0xC0 | (code >> 6)));
         } else if (code < 0x10000) {
@@ -451,7 +450,7 @@ bool isLetterOrDigit(std::uint32_t token) {
 std::uint64_t characterBit(std::uint32_t token) {
     if (token < 0x80) return kAsciiBits[token];
     const std::uint32_t mixed = token * 0x9E3779B1u;
-    return std::uint64_t{1} << (40 + (mixed >> 16) % 24);
+    return kOutsideAsciiBit | std::uint64_t{1} << (40 + (mixed >> 16) % 23);
 }
 
 std::size_t characterCount(std::string_view bytes) {

@@ -7,6 +7,11 @@
 
 namespace harbex {
 
+namespace folded {
+// Set in a character mask for every character outside ASCII.
+inline constexpr std::uint64_t kOutsideAsciiBit = std::uint64_t{1} << 63;
+}  // namespace folded
+
 // Which road folding takes. Both give the same bytes; `unicodeOnly` exists so that tests and the
 // fuzzer can hold the fast ASCII road to the plain ICU one.
 enum class FoldingPath { fast, unicodeOnly };
@@ -41,7 +46,7 @@ public:
     std::string_view bytes() const { return bytes_; }
     bool empty() const { return bytes_.empty(); }
     // Whether every character is one ASCII byte, so that byte offsets count characters.
-    bool isAscii() const { return isAscii_; }
+    bool isAscii() const { return (mask_ & folded::kOutsideAsciiBit) == 0; }
     // One bit per kind of character present (see `characterBit`): a text can only contain a
     // word whose bits are all set here.
     std::uint64_t characterMask() const { return mask_; }
@@ -53,8 +58,9 @@ public:
 private:
     friend class FoldedTextBuilder;
     std::string bytes_;
+    // Also says whether the text is ASCII, so that the object stays five words long: the index
+    // holds three of these for every copy in the history.
     std::uint64_t mask_ = 0;
-    bool isAscii_ = true;
 };
 
 namespace folded {

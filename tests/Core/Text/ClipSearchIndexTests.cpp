@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -7,8 +10,10 @@
 #include "HarbexClipCore/Model/ClipItem.hpp"
 #include "HarbexClipCore/Model/ClipLibrary.hpp"
 #include "HarbexClipCore/Support/Calendar.hpp"
+#include "HarbexClipCore/Testing/ReferenceSearchScore.hpp"
 #include "HarbexClipCore/Text/ClipFilter.hpp"
 #include "HarbexClipCore/Text/ClipSearchIndex.hpp"
+#include "HarbexClipCore/Text/ClipSearchScore.hpp"
 
 namespace harbex {
 namespace {
@@ -178,6 +183,222 @@ TEST_F(ClipSearchIndexTests, TypingGivesWhatAFreshSearchGives) {
     EXPECT_EQ(find("notes").results.size(),
               fresh.search({"notes", ClipFilter::all, std::nullopt}, pinned, kNow, calendar)
                   .results.size());
+}
+
+// One step of a search session: the query as typed and the filters around it.
+struct Step {
+    Step(std::string typed, ClipFilter kinds = ClipFilter::all,
+         std::optional<std::string> app = std::nullopt)
+        : query(std::move(typed)), filter(kinds), appID(std::move(app)) {}
+
+    std::string query;
+    ClipFilter filter;
+    std::optional<std::string> appID;
+};
+
+TEST_F(ClipSearchIndexTests, GoingBackGivesWhatAFreshSearchGives) {
+    ClipItem link = item(ClipKind::link, "https://notes.example/meeting", 40);
+    link.appID = "com.example.browser";
+    ClipItem code = item(ClipKind::code, "meeting_notes = load()", 30);
+    code.appID = "com.example.editor";
+    ClipItem old = item(ClipKind::text, "meeting notes from last month", 20 * 86'400);
+    old.appID = "com.example.editor";
+    const std::vector<ClipItem> items = {link,
+                                         code,
+                                         old,
+                                         item(ClipKind::text, "Notes on the budget", 10),
+                                         item(ClipKind::text, "mtg nts", 5),
+                                         item(ClipKind::text, "meet me at noon", 1)};
+    index.rebuild(items);
+    ClipSearchIndex fresh;
+    fresh.rebuild(items);
+
+    struct Session {
+        const char* name;
+        std::vector<Step> steps;
+    };
+    const std::vector<Session> sessions = {
+        {"backspace to the first character",
+         {{"n"}, {"no"}, {"not"}, {"note"}, {"notes"}, {"note"}, {"not"}, {"no"}, {"n"}}},
+        {"backspace over a second word",
+         {{"meet"}, {"meet n"}, {"meet no"}, {"meet n"}, {"meet "}, {"meet"}, {"mee"}}},
+        {"backspace after a filter change",
+         {{"m"},
+          {"me"},
+          {"mee"},
+          {"mee", ClipFilter::code},
+          {"me", ClipFilter::code},
+          {"m", ClipFilter::code},
+          {"me"},
+          {"m"}}},
+        {"backspace after the application filter changes",
+         {{"no"},
+          {"not"},
+          {"not", ClipFilter::all, "com.example.editor"},
+          {"no", ClipFilter::all, "com.example.editor"},
+          {"n", ClipFilter::all, "com.example.browser"},
+          {"no"}}},
+        {"backspace into and out of a time word",
+         {{"notes"},
+          {"notes today"},
+          {"notes toda"},
+          {"notes"},
+          {"notes last week"},
+          {"notes last wee"},
+          {"notes"}}},
+        {"an edit in the middle, then back",
+         {{"meet no"}, {"mt no"}, {"mt n"}, {"mt"}, {"m"}, {"me"}, {"meet"}}},
+        {"the pinned filter never reuses",
+         {{"no"},
+          {"no", ClipFilter::pinned},
+          {"not", ClipFilter::pinned},
+          {"no", ClipFilter::pinned},
+          {"no"}}},
+    };
+    for (const Session& session : sessions) {
+        index.forgetPreviousQuery();
+        pinned = {items[3].id};
+        for (const Step& step : session.steps) {
+            fresh.forgetPreviousQuery();
+            const ClipSearchRequest request{step.query, step.filter, step.appID};
+            EXPECT_EQ(index.search(request, pinned, kNow, calendar),
+                      fresh.search(request, pinned, kNow, calendar))
+                << session.name << ": \"" << step.query << "\"";
+            // The pinned set may change between searches without the index knowing.
+            if (step.filter == ClipFilter::pinned) pinned.clear();
+        }
+    }
+}
+
+TEST_F(ClipSearchIndexTests, BackspaceDropsTheLongerQueries) {
+    index.rebuild({item(ClipKind::text, "budget review", 10)});
+    for (const char* query : {"b", "bu", "bud", "budg"}) find(query);
+    EXPECT_EQ(index.rememberedQueries(), 4u);
+    EXPECT_EQ(find("bu").results.size(), 1u);
+    EXPECT_EQ(index.rememberedQueries(), 2u);
+    find("bux");
+    EXPECT_EQ(index.rememberedQueries(), 3u);
+    find("zebra");  // narrows none of them
+    EXPECT_EQ(index.rememberedQueries(), 1u);
+}
+
+TEST_F(ClipSearchIndexTests, HistoryChangesForgetWhatBackspaceWouldGiveBack) {
+    struct Change {
+        const char* name;
+        std::function<void(std::vector<ClipItem>&, ClipSearchIndex&)> apply;
+    };
+    const std::vector<Change> changes = {
+        {"a new copy matches",
+         [](std::vector<ClipItem>& items, ClipSearchIndex& target) {
+             items.push_back(item(ClipKind::text, "budgie photos", 0));
+             target.put(items.back());
+         }},
+        {"an edit stops a copy matching",
+         [](std::vector<ClipItem>& items, ClipSearchIndex& target) {
+             items[0].text = "holiday plans";
+             target.put(items[0]);
+         }},
+        {"an edit makes a copy match",
+         [](std::vector<ClipItem>& items, ClipSearchIndex& target) {
+             items[2].text = "budding ideas";
+             target.put(items[2]);
+         }},
+        {"a matching copy is deleted",
+         [](std::vector<ClipItem>& items, ClipSearchIndex& target) {
+             target.remove(items[1].id);
+             items.erase(items.begin() + 1);
+         }},
+        {"the history is loaded again",
+         [](std::vector<ClipItem>& items, ClipSearchIndex& target) {
+             items.resize(1);
+             target.rebuild(items);
+         }},
+        {"the history is emptied",
+         [](std::vector<ClipItem>& items, ClipSearchIndex& target) {
+             items.clear();
+             target.clear();
+         }},
+    };
+    for (const Change& change : changes) {
+        std::vector<ClipItem> items = {item(ClipKind::text, "budget 2026", 30),
+                                       item(ClipKind::text, "the budget meeting", 20),
+                                       item(ClipKind::text, "shopping list", 10)};
+        index.rebuild(items);
+        for (const char* query : {"b", "bu", "bud", "budg"}) find(query);
+        change.apply(items, index);
+        ClipSearchIndex fresh;
+        fresh.rebuild(items);
+        for (const char* query : {"bud", "bu", "budg"}) {
+            EXPECT_EQ(find(query),
+                      fresh.search({query, ClipFilter::all, std::nullopt}, pinned, kNow, calendar))
+                << change.name << ": \"" << query << "\"";
+        }
+    }
+}
+
+// The search passes over copies none of whose texts holds all of a word's characters; folding
+// must never let that drop a copy the plain scorer finds.
+TEST_F(ClipSearchIndexTests, CharacterPrefilterNeverDropsAMatch) {
+    struct Case {
+        std::string query;
+        std::string text;
+        bool matches;
+    };
+    const std::vector<Case> cases = {
+        {"cafe", "CAFÉ au lait", true},
+        {"café", "cafe", true},
+        {"ｃａｆｅ", "Café", true},  // full-width query
+        {"cafe", "ｃａｆé", true},   // full-width text
+        {"ＨＥＬＬＯ", "hello", true},
+        {"strasse", "Straße", true},
+        {"ß", "STRASSE", true},
+        {"e", "e\u0301", true},  // a combining mark folds away
+        {"ete", "e\u0301t\u0301e\u0301", true},
+        {"naive", "naïve", true},
+        {"ü", "tu", true},
+        {"Å", "a", true},  // the ångström sign
+        {"οδος", "ΟΔΟΣ", true},
+        {"東京", "会議は東京で", true},
+        {"👍🏽", "great 👍🏽 job", true},
+        {"👍", "great 👍🏽 job", false},  // a skin tone makes another character
+        {"🇩🇪", "flags 🇫🇷🇩🇪", true},
+        {"🇩", "flags 🇫🇷🇩🇪", false},
+        {"ab", "a\r\nb", true},  // CR LF is one character, one skipped
+        {"na", "Señor", false},
+        {"résumé", "RESUME", true},
+        {"rsm", "résumé", true},
+        {"zebra", "ｚｅｂｒａ crossing", true},
+        {"q", "ｐｅｂｒａ", false},
+    };
+    int matched = 0;
+    for (const Case& c : cases) {
+        ClipItem copy = item(ClipKind::text, c.text, 1);
+        copy.appName = "Notes";
+        index.rebuild({copy});
+        const ClipSearchEntry& entry = *index.entry(copy.id);
+        std::optional<std::int64_t> expected = 0;
+        for (const ClipSearchWord& word : ClipSearchQuery::make(c.query).words) {
+            std::optional<int> best;
+            const auto weigh = [&](const FoldedText& text, int weight) {
+                if (auto score = referenceWordScore(word.folded(), text)) {
+                    best = std::max(best.value_or(0), weight * *score);
+                }
+            };
+            weigh(entry.title, 3);
+            weigh(entry.appName, 2);
+            weigh(entry.body, 1);
+            if (!best) expected.reset();
+            if (expected) *expected += *best;
+        }
+        EXPECT_EQ(expected.has_value(), c.matches) << c.query << " in " << c.text;
+        const ClipSearchOutcome outcome = find(c.query);
+        ASSERT_EQ(outcome.results.size(), expected ? 1u : 0u) << c.query << " in " << c.text;
+        if (expected) {
+            EXPECT_EQ(outcome.results[0].score, *expected) << c.query << " in " << c.text;
+            ++matched;
+        }
+    }
+    EXPECT_EQ(matched, 20);
 }
 
 TEST(ClipSearchEntryTests, BodyJoinsTheSearchedPiecesByLine) {
