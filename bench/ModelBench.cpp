@@ -63,6 +63,29 @@ void encodeLibrary(benchmark::State& state) {
 }
 BENCHMARK(encodeLibrary)->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMillisecond);
 
+// What the store does on every save: the text written straight from the records into one string
+// kept from the save before, so a steady run of saves touches no fresh memory.
+void writeLibraryText(benchmark::State& state) {
+    const ClipLibrary& source = library(std::size_t(state.range(0)));
+    std::string text;
+    for (auto _ : state) {
+        text.clear();
+        JsonTextWriter writer(text);
+        writeJson(writer, source);
+        benchmark::DoNotOptimize(text.data());
+    }
+    state.counters["documentMB"] = double(text.size()) / 1e6;
+    state.SetBytesProcessed(std::int64_t(state.iterations() * text.size()));
+}
+BENCHMARK(writeLibraryText)->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMillisecond);
+
+// The same into a new string each time: what a caller without a kept buffer pays.
+void writeLibraryTextFresh(benchmark::State& state) {
+    const ClipLibrary& source = library(10'000);
+    for (auto _ : state) benchmark::DoNotOptimize(jsonText(source));
+}
+BENCHMARK(writeLibraryTextFresh)->Unit(benchmark::kMillisecond);
+
 // The two halves of encoding, to see where the time goes.
 void encodeLibraryValue(benchmark::State& state) {
     const ClipLibrary& source = library(10'000);

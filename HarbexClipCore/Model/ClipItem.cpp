@@ -342,53 +342,29 @@ std::optional<std::string> ClipItem::host() const {
     return withoutWww(*address->host);
 }
 
-JsonValue encodeJson(const ClipImageInfo& info) {
-    return JsonObjectWriter()
-        .field("type", info.type)
+namespace {
+
+// Each record's keys, in declaration order, for both the value-tree and the text writer.
+template <class Writer>
+Writer& writeFields(Writer& writer, const ClipImageInfo& info) {
+    return writer.field("type", info.type)
         .field("width", info.width)
         .field("height", info.height)
         .field("byteCount", info.byteCount)
-        .field("digest", info.digest)
-        .take();
+        .field("digest", info.digest);
 }
 
-JsonStatus decodeJson(const JsonValue& json, ClipImageInfo& out) {
-    ClipImageInfo info;
-    JsonStrictReader reader(json);
-    reader.required("type", info.type)
-        .required("width", info.width)
-        .required("height", info.height)
-        .required("byteCount", info.byteCount)
-        .required("digest", info.digest);
-    if (!reader.ok()) return reader.status();
-    out = std::move(info);
-    return {};
-}
-
-JsonValue encodeJson(const ClipOriginal& original) {
-    return JsonObjectWriter()
-        .field("kind", original.kind)
-        .optional("text", original.text)
-        .optional("rtf", original.rtf)
-        .optional("html", original.html)
-        .take();
-}
-
-JsonStatus decodeJson(const JsonValue& json, ClipOriginal& out) {
-    ClipOriginal original;
-    JsonStrictReader reader(json);
-    reader.required("kind", original.kind)
+template <class Writer>
+Writer& writeFields(Writer& writer, const ClipOriginal& original) {
+    return writer.field("kind", original.kind)
         .optional("text", original.text)
         .optional("rtf", original.rtf)
         .optional("html", original.html);
-    if (!reader.ok()) return reader.status();
-    out = std::move(original);
-    return {};
 }
 
-JsonValue encodeJson(const ClipItem& item) {
-    return JsonObjectWriter()
-        .field("id", item.id)
+template <class Writer>
+Writer& writeFields(Writer& writer, const ClipItem& item) {
+    return writer.field("id", item.id)
         .field("kind", item.kind)
         .optional("text", item.text)
         .optional("rtf", item.rtf)
@@ -410,9 +386,59 @@ JsonValue encodeJson(const ClipItem& item) {
         .field("isSensitive", item.isSensitive)
         .optional("expiresAt", item.expiresAt)
         .field("fingerprint", item.fingerprint)
-        .optional("original", item.original)
-        .take();
+        .optional("original", item.original);
 }
+
+template <class Record>
+JsonValue encodeRecord(const Record& record) {
+    JsonObjectWriter writer;
+    return writeFields(writer, record).take();
+}
+
+template <class Record>
+void writeRecord(JsonTextWriter& writer, const Record& record) {
+    writer.beginObject();
+    writeFields(writer, record);
+    writer.endObject();
+}
+
+}  // namespace
+
+JsonValue encodeJson(const ClipImageInfo& info) { return encodeRecord(info); }
+void writeJson(JsonTextWriter& writer, const ClipImageInfo& info) { writeRecord(writer, info); }
+
+JsonStatus decodeJson(const JsonValue& json, ClipImageInfo& out) {
+    ClipImageInfo info;
+    JsonStrictReader reader(json);
+    reader.required("type", info.type)
+        .required("width", info.width)
+        .required("height", info.height)
+        .required("byteCount", info.byteCount)
+        .required("digest", info.digest);
+    if (!reader.ok()) return reader.status();
+    out = std::move(info);
+    return {};
+}
+
+JsonValue encodeJson(const ClipOriginal& original) { return encodeRecord(original); }
+void writeJson(JsonTextWriter& writer, const ClipOriginal& original) {
+    writeRecord(writer, original);
+}
+
+JsonStatus decodeJson(const JsonValue& json, ClipOriginal& out) {
+    ClipOriginal original;
+    JsonStrictReader reader(json);
+    reader.required("kind", original.kind)
+        .optional("text", original.text)
+        .optional("rtf", original.rtf)
+        .optional("html", original.html);
+    if (!reader.ok()) return reader.status();
+    out = std::move(original);
+    return {};
+}
+
+JsonValue encodeJson(const ClipItem& item) { return encodeRecord(item); }
+void writeJson(JsonTextWriter& writer, const ClipItem& item) { writeRecord(writer, item); }
 
 JsonStatus decodeJson(const JsonValue& json, ClipItem& out) {
     // Read into a fresh record so that a failed read leaves `out` as it was.

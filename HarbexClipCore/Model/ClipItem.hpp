@@ -16,6 +16,7 @@
 #include "HarbexClipCore/Support/Date.hpp"
 #include "HarbexClipCore/Support/EnumNames.hpp"
 #include "HarbexClipCore/Support/Json.hpp"
+#include "HarbexClipCore/Support/JsonTextWriter.hpp"
 #include "HarbexClipCore/Support/Url.hpp"
 #include "HarbexClipCore/Support/Uuid.hpp"
 
@@ -159,11 +160,15 @@ std::string fingerprint(ClipKind kind, const std::optional<std::string>& text,
 std::string displayAddress(std::string_view address);
 
 JsonValue encodeJson(const ClipImageInfo& info);
+void writeJson(JsonTextWriter& writer, const ClipImageInfo& info);
 JsonStatus decodeJson(const JsonValue& json, ClipImageInfo& out);
 JsonValue encodeJson(const ClipOriginal& original);
+void writeJson(JsonTextWriter& writer, const ClipOriginal& original);
 JsonStatus decodeJson(const JsonValue& json, ClipOriginal& out);
 // Every required key must be present and well typed, or the record fails as a whole.
 JsonValue encodeJson(const ClipItem& item);
+// The same text as serializeJson(encodeJson(item)), written without a value tree.
+void writeJson(JsonTextWriter& writer, const ClipItem& item);
 JsonStatus decodeJson(const JsonValue& json, ClipItem& out);
 
 }  // namespace harbex

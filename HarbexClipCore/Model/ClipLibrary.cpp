@@ -2,14 +2,36 @@
 
 namespace harbex {
 
-JsonValue encodeJson(const Pinboard& board) {
-    return JsonObjectWriter()
-        .field("id", board.id)
+namespace {
+
+// Each record's keys, in declaration order, for both the value-tree and the text writer.
+template <class Writer>
+Writer& writeFields(Writer& writer, const Pinboard& board) {
+    return writer.field("id", board.id)
         .field("name", board.name)
         .field("color", board.color)
         .field("symbol", board.symbol)
-        .field("itemIDs", board.itemIDs)
-        .take();
+        .field("itemIDs", board.itemIDs);
+}
+
+template <class Writer>
+Writer& writeFields(Writer& writer, const ClipLibrary& library) {
+    return writer.field("version", library.version)
+        .field("items", library.items)
+        .field("pinboards", library.pinboards);
+}
+
+}  // namespace
+
+JsonValue encodeJson(const Pinboard& board) {
+    JsonObjectWriter writer;
+    return writeFields(writer, board).take();
+}
+
+void writeJson(JsonTextWriter& writer, const Pinboard& board) {
+    writer.beginObject();
+    writeFields(writer, board);
+    writer.endObject();
 }
 
 JsonStatus decodeJson(const JsonValue& json, Pinboard& out) {
@@ -26,11 +48,14 @@ JsonStatus decodeJson(const JsonValue& json, Pinboard& out) {
 }
 
 JsonValue encodeJson(const ClipLibrary& library) {
-    return JsonObjectWriter()
-        .field("version", library.version)
-        .field("items", library.items)
-        .field("pinboards", library.pinboards)
-        .take();
+    JsonObjectWriter writer;
+    return writeFields(writer, library).take();
+}
+
+void writeJson(JsonTextWriter& writer, const ClipLibrary& library) {
+    writer.beginObject();
+    writeFields(writer, library);
+    writer.endObject();
 }
 
 JsonStatus decodeJson(const JsonValue& json, ClipLibrary& out) {

@@ -9,6 +9,7 @@
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
 #include "HarbexClipCore/Support/Json.hpp"
+#include "HarbexClipCore/Support/JsonTextWriter.hpp"
 #include "HarbexClipCore/Support/Uuid.hpp"
 
 namespace harbex {
@@ -36,9 +37,13 @@ struct ClipLibrary {
 };
 
 JsonValue encodeJson(const Pinboard& board);
+void writeJson(JsonTextWriter& writer, const Pinboard& board);
 JsonStatus decodeJson(const JsonValue& json, Pinboard& out);
 // Every key is required; one bad item or board fails the whole document, with its path.
 JsonValue encodeJson(const ClipLibrary& library);
+// The same text as serializeJson(encodeJson(library)) without building the value tree: what the
+// store writes on every save.
+void writeJson(JsonTextWriter& writer, const ClipLibrary& library);
 JsonStatus decodeJson(const JsonValue& json, ClipLibrary& out);
 
 }  // namespace harbex

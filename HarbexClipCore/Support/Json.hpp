@@ -63,7 +63,7 @@ inline JsonValue encodeJson(std::uint32_t value) {
 // JSON has no infinities or NaN; a stray one must not make a whole document unreadable.
 JsonValue encodeJson(double value);
 inline JsonValue encodeJson(const std::string& value) { return JsonValue(value); }
-inline JsonValue encodeJson(Date value) { return JsonValue(value.seconds); }
+inline JsonValue encodeJson(Date value) { return encodeJson(value.seconds); }
 inline JsonValue encodeJson(const Uuid& value) { return JsonValue(value.string()); }
 JsonValue encodeJson(const Bytes& value);  // base64
 inline JsonValue encodeJson(const JsonValue& value) { return value; }
