@@ -9,6 +9,8 @@
 #include <cmath>
 #include <system_error>
 
+#include "HarbexClipCore/Support/JsonTextWriter.hpp"
+
 namespace harbex {
 
 namespace fs = std::filesystem;
@@ -98,10 +100,15 @@ ClipStoreResult<void> ClipStore::writeSealed(const fs::path& path,
     if (!sealKey) return std::unexpected(sealKey.error());
     auto sealed = sealFile(*sealKey, plain, associated);
     if (!sealed) return std::unexpected(sealed.error());
+    return writeSealedFile(path, *sealed);
+}
+
+ClipStoreResult<void> ClipStore::writeSealedFile(const fs::path& path,
+                                                 std::span<const std::uint8_t> sealed) {
     if (auto made = createDirectories(path.parent_path(), 0700); !made) {
         return std::unexpected(made.error());
     }
-    if (auto written = options_.writeFile(path, *sealed); !written) {
+    if (auto written = options_.writeFile(path, sealed); !written) {
         return std::unexpected(written.error());
     }
     return {};
@@ -117,13 +124,24 @@ ClipStoreResult<Bytes> ClipStore::readSealed(const fs::path& path, std::string_v
     return openFile(*sealKey, *sealed, associated);
 }
 
+// The history is read, opened and parsed in the document buffer, and written from it, so a
+// store that saves again and again works in memory it already has: fresh pages cost more than
+// the encoding itself on a history of several megabytes.
 ClipStoreResult<ClipLibrary> ClipStore::load() {
-    auto plain = readSealed(folder_ / kHistoryFileName, kHistoryAssociated);
-    if (!plain) {
-        const FileError* missing = plain.error().fileError();
-        if (missing && missing->isNotFound()) return ClipLibrary{};
-        return std::unexpected(plain.error());
+    prepareFolder();
+    const fs::path path = folder_ / kHistoryFileName;
+    std::lock_guard guard(documentLock_);
+    std::string& buffer = document_;
+    if (auto read = readFileInto(path, buffer); !read) {
+        if (read.error().isNotFound()) return ClipLibrary{};
+        return std::unexpected(read.error());
     }
+    const std::span sealed(reinterpret_cast<std::uint8_t*>(buffer.data()), buffer.size());
+    if (!hasSealedForm(sealed)) return std::unexpected(ClipStoreError::badFormat());
+    auto sealKey = key();
+    if (!sealKey) return std::unexpected(sealKey.error());
+    auto plain = openFileInPlace(*sealKey, sealed, kHistoryAssociated);
+    if (!plain) return std::unexpected(plain.error());
     auto json =
         parseJson(std::string_view(reinterpret_cast<const char*>(plain->data()), plain->size()));
     if (!json) return std::unexpected(json.error());
@@ -133,10 +151,24 @@ ClipStoreResult<ClipLibrary> ClipStore::load() {
 }
 
 ClipStoreResult<void> ClipStore::saveNow(const ClipLibrary& library) {
-    const std::string json = serializeJson(encodeJson(library));
-    return writeSealed(folder_ / kHistoryFileName,
-                       std::span(reinterpret_cast<const std::uint8_t*>(json.data()), json.size()),
-                       kHistoryAssociated);
+    prepareFolder();
+    std::lock_guard guard(documentLock_);
+    std::string& buffer = document_;
+    // A history that shrank a great deal (cleared, wiped) gives its memory back.
+    if (buffer.capacity() > kDocumentBufferKeptBytes && buffer.capacity() / 4 > buffer.size()) {
+        std::string().swap(buffer);
+    }
+    buffer.assign(kSealedHeaderSize, '\0');
+    JsonTextWriter writer(buffer);
+    writeJson(writer, library);
+    buffer.append(kSealTagSize, '\0');
+    const std::span file(reinterpret_cast<std::uint8_t*>(buffer.data()), buffer.size());
+    auto sealKey = key();
+    if (!sealKey) return std::unexpected(sealKey.error());
+    if (auto sealed = sealFileInPlace(*sealKey, file, kHistoryAssociated); !sealed) {
+        return std::unexpected(sealed.error());
+    }
+    return writeSealedFile(folder_ / kHistoryFileName, file);
 }
 
 void ClipStore::save(ClipLibrary library) {
@@ -261,6 +293,12 @@ ClipStoreResult<void> ClipStore::wipe() {
         std::unique_lock guard(saveLock_);
         pendingSave_.reset();
         drainFinished_.wait(guard, [this] { return !draining_; });
+    }
+    {
+        // The last document read or written goes with the history.
+        std::lock_guard documentGuard(documentLock_);
+        OPENSSL_cleanse(document_.data(), document_.size());
+        std::string().swap(document_);
     }
     std::lock_guard guard(lock_);
     std::optional<ClipStoreError> firstFailure;

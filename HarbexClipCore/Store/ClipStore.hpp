@@ -105,6 +105,8 @@ private:
     ClipStoreResult<void> writeSealed(const std::filesystem::path& path,
                                       std::span<const std::uint8_t> plain,
                                       std::string_view associated);
+    ClipStoreResult<void> writeSealedFile(const std::filesystem::path& path,
+                                          std::span<const std::uint8_t> sealed);
     ClipStoreResult<Bytes> readSealed(const std::filesystem::path& path,
                                       std::string_view associated);
     ClipStoreResult<std::filesystem::path> imagePath(std::string_view name, FileKind kind) const;
@@ -124,6 +126,13 @@ private:
     std::condition_variable drainQueued_;
     std::condition_variable drainFinished_;
     std::function<void(const ClipStoreError&)> saveFailureHandler_;
+
+    // The history document as last read or written (sealed once written), kept so that each
+    // save and load reuses its memory. Held while encoding, sealing and writing, which also keeps
+    // a saveNow() on the caller's thread and a background write from overlapping.
+    static constexpr std::size_t kDocumentBufferKeptBytes = 1u << 20;
+    std::mutex documentLock_;
+    std::string document_;
 
     ClipStoreOptions options_;
     std::once_flag folderPrepared_;

@@ -30,6 +30,9 @@ inline constexpr std::uint8_t kSealedFormatVersion = 1;
 inline constexpr std::size_t kSealKeySize = 32;
 inline constexpr std::size_t kSealNonceSize = 12;
 inline constexpr std::size_t kSealTagSize = 16;
+// What surrounds the sealed data in a file: the version byte and nonce before it, the tag after.
+inline constexpr std::size_t kSealedHeaderSize = 1 + kSealNonceSize;
+inline constexpr std::size_t kSealedOverhead = kSealedHeaderSize + kSealTagSize;
 // The shortest file that is accepted for opening: the version byte, nonce and tag around at
 // least one byte, so a sealed empty text (29 bytes) is refused as badFormat.
 inline constexpr std::size_t kSealedMinimumSize = 30;
@@ -56,6 +59,14 @@ std::expected<Bytes, ClipStoreError> sealFile(const SealKey& key,
                                               std::span<const std::uint8_t> plain,
                                               std::string_view associated);
 
+// Seals a whole file where it lies: `file` holds kSealedHeaderSize bytes of room, the plain data,
+// then kSealTagSize bytes of room. The version byte, a fresh nonce, the ciphertext (over the plain
+// data) and the tag are written into it; no other buffer is used. Fails with cannotOpen when the
+// cipher or the random source fails. Requires file.size() >= kSealedOverhead.
+std::expected<void, ClipStoreError> sealFileInPlace(const SealKey& key,
+                                                    std::span<std::uint8_t> file,
+                                                    std::string_view associated);
+
 // Whether `sealed` is long enough and of the one known version: the check that precedes getting
 // the key, so a file of the wrong form never reaches the keyring.
 inline bool hasSealedForm(std::span<const std::uint8_t> sealed) {
@@ -67,6 +78,12 @@ inline bool hasSealedForm(std::span<const std::uint8_t> sealed) {
 std::expected<Bytes, ClipStoreError> openFile(const SealKey& key,
                                               std::span<const std::uint8_t> sealed,
                                               std::string_view associated);
+
+// Opens a whole sealed file where it lies: the plain bytes replace the ciphertext, and the span of
+// them inside `sealed` is returned. Fails as openFile does; after a failure of the cipher the
+// span's bytes are wiped.
+std::expected<std::span<std::uint8_t>, ClipStoreError> openFileInPlace(
+    const SealKey& key, std::span<std::uint8_t> sealed, std::string_view associated);
 
 // The AES-256-GCM primitives under the file format, with the nonce given by the caller; exposed so
 // the cipher can be checked against published test vectors. `sealCombined` returns nonce,

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <system_error>
@@ -123,6 +124,43 @@ std::expected<Bytes, FileError> readFile(const fs::path& path) {
         bytes.insert(bytes.end(), buffer, buffer + n);
     }
     return bytes;
+}
+
+FileStatus readFileInto(const fs::path& path, std::string& out) {
+    out.clear();
+    Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+    if (file.fd < 0) return std::unexpected(errorFor("open", path));
+    struct stat info {};
+    if (::fstat(file.fd, &info) != 0) return std::unexpected(errorFor("read", path));
+    if (S_ISDIR(info.st_mode)) return std::unexpected(errorFor("read", path, EISDIR));
+    // One byte past the size read so far finds the end in the same call; a file that grew since
+    // fstat takes further rounds.
+    std::size_t room = static_cast<std::size_t>(info.st_size) + 1;
+    int readError = 0;
+    for (bool atEnd = false; !atEnd;) {
+        const std::size_t have = out.size();
+        out.resize_and_overwrite(
+            std::max(room, have + 64 * 1024), [&](char* data, std::size_t size) {
+                std::size_t filled = have;
+                while (filled < size) {
+                    const ssize_t n = ::read(file.fd, data + filled, size - filled);
+                    if (n < 0 && errno == EINTR) continue;
+                    if (n <= 0) {
+                        readError = n < 0 ? errno : 0;
+                        atEnd = true;
+                        break;
+                    }
+                    filled += static_cast<std::size_t>(n);
+                }
+                return filled;
+            });
+        room = out.size() * 2;
+    }
+    if (readError != 0) {
+        out.clear();
+        return std::unexpected(errorFor("read", path, readError));
+    }
+    return {};
 }
 
 FileStatus createDirectories(const fs::path& folder, mode_t mode) {

@@ -37,6 +37,9 @@ inline FileStatus writeFileAtomically(const std::filesystem::path& path, std::st
 }
 
 std::expected<Bytes, FileError> readFile(const std::filesystem::path& path);
+// Reads the whole file into `out`, replacing what it held but keeping its memory, and without
+// first zero-filling it: for large files read again and again. `out` is left empty on failure.
+FileStatus readFileInto(const std::filesystem::path& path, std::string& out);
 
 // Creates the folder and any missing parents; the folders it creates, and the last one in any
 // case, get `mode` whatever the umask.

@@ -447,5 +447,43 @@ TEST(ClipStoreTests, ErrorsReadAsTheEndOfASentence) {
     for (const auto& [error, text] : cases) EXPECT_EQ(error.description(), text);
 }
 
+TEST(ClipStoreTests, EachSaveOfAGrowingOrShrinkingHistoryLoadsWhole) {
+    TempFolder temp;
+    auto [keys, store] = makeStore(temp.path());
+    ClipLibrary previous;
+    for (int count : {200, 3, 500, 0, 50}) {
+        SCOPED_TRACE(count);
+        ClipLibrary library = textLibrary(count, "size " + std::to_string(count));
+        if (count > 0) library.items.front().text = std::string(100'000, 'x') + "\u00e9\n\"";
+        ASSERT_TRUE(store->saveNow(library));
+        EXPECT_EQ(store->load(), library);
+        auto [otherKeys, fresh] = makeStore(temp.path());
+        EXPECT_EQ(fresh->load(), library);
+        previous = std::move(library);
+    }
+    // A refused file in between leaves nothing behind for the next save and load.
+    writeBytes(temp.path() / "History.sealed", Bytes(64, 1));
+    const auto refused = store->load();
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().kind(), ClipStoreError::Case::cannotOpen);
+    ASSERT_TRUE(store->saveNow(previous));
+    EXPECT_EQ(store->load(), previous);
+}
+
+TEST(ClipStoreTests, SavesFromTheSaveThreadAndTheCallersThreadNeverMixTheirDocuments) {
+    TempFolder temp;
+    auto [keys, store] = makeStore(temp.path());
+    const ClipLibrary queued = textLibrary(300, "queued");
+    const ClipLibrary direct = textLibrary(30, "direct");
+    for (int round = 0; round < 20; ++round) {
+        store->save(queued);
+        ASSERT_TRUE(store->saveNow(direct));
+        store->waitForSaves();
+        const auto loaded = store->load();
+        ASSERT_TRUE(loaded) << "round " << round << ": " << loaded.error().description();
+        EXPECT_TRUE(*loaded == queued || *loaded == direct) << "round " << round;
+    }
+}
+
 }  // namespace
 }  // namespace harbex

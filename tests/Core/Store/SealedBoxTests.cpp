@@ -235,6 +235,63 @@ TEST(SealedBoxTests, AFileOpensOnlyWithItsOwnKeyAndAssociatedData) {
     }
 }
 
+// A file laid out for sealing where it lies: room for the header, the plain bytes, room for the
+// tag.
+Bytes laidOut(const std::string& plain) {
+    Bytes file(kSealedOverhead + plain.size(), 0xEE);
+    std::copy(plain.begin(), plain.end(), file.begin() + kSealedHeaderSize);
+    return file;
+}
+
+TEST(SealedBoxTests, SealingAndOpeningInPlaceAgreeWithTheCopyingForms) {
+    for (const std::string& plain :
+         {std::string("z"), std::string("a history"), std::string(70'000, 'h')}) {
+        SCOPED_TRACE(plain.size());
+        Bytes inPlace = laidOut(plain);
+        ASSERT_TRUE(sealFileInPlace(kKey, inPlace, "history"));
+        EXPECT_EQ(inPlace[0], kSealedFormatVersion);
+        EXPECT_NE(Bytes(inPlace.begin() + kSealedHeaderSize, inPlace.end() - kSealTagSize),
+                  bytesOf(plain));
+        EXPECT_EQ(openFile(kKey, inPlace, "history"), bytesOf(plain));
+
+        Bytes copied = sealed(plain);
+        const auto opened = openFileInPlace(kKey, copied, "history");
+        ASSERT_TRUE(opened);
+        EXPECT_EQ(opened->data(), copied.data() + kSealedHeaderSize);
+        EXPECT_EQ(Bytes(opened->begin(), opened->end()), bytesOf(plain));
+    }
+}
+
+TEST(SealedBoxTests, OpeningInPlaceRefusesWhatOpeningRefusesAndWipesFailedPlainText) {
+    const Bytes good = sealed("secret words that must not leak");
+    struct Case {
+        const char* name;
+        Bytes file;
+        const char* associated;
+        ClipStoreError::Case expected;
+    };
+    Bytes flipped = good;
+    flipped[20] ^= 0x01;
+    Bytes otherVersion = good;
+    otherVersion[0] = 2;
+    const std::vector<Case> cases = {
+        {"too short", Bytes(29, 1), "history", ClipStoreError::Case::badFormat},
+        {"another version", otherVersion, "history", ClipStoreError::Case::badFormat},
+        {"altered cipher text", flipped, "history", ClipStoreError::Case::cannotOpen},
+        {"other associated data", good, "image x", ClipStoreError::Case::cannotOpen},
+    };
+    for (auto testCase : cases) {
+        const auto result = openFileInPlace(kKey, testCase.file, testCase.associated);
+        ASSERT_FALSE(result) << testCase.name;
+        EXPECT_EQ(result.error().kind(), testCase.expected) << testCase.name;
+        if (testCase.expected == ClipStoreError::Case::cannotOpen) {
+            const std::string body(testCase.file.begin() + kSealedHeaderSize,
+                                   testCase.file.end() - kSealTagSize);
+            EXPECT_EQ(body, std::string(body.size(), '\0')) << testCase.name;
+        }
+    }
+}
+
 TEST(SealedBoxTests, KeysAreMadeOnlyFromExactly32Bytes) {
     EXPECT_FALSE(SealKey::fromBytes(Bytes(31, 1)));
     EXPECT_FALSE(SealKey::fromBytes(Bytes(33, 1)));

@@ -112,5 +112,37 @@ TEST_F(AtomicFileTests, CreatedFoldersArePrivate) {
     EXPECT_FALSE(createDirectories(folder_ / "file"));
 }
 
+TEST_F(AtomicFileTests, ReadingIntoAKeptStringGivesTheWholeFileWhateverItHeldBefore) {
+    const fs::path path = folder_ / "data";
+    std::string kept(200'000, '#');  // larger than some files below, smaller than others
+    for (std::size_t size : {0u, 1u, 65'535u, 65'536u, 65'537u, 150'000u, 1'000'003u}) {
+        std::string content(size, '\0');
+        for (std::size_t i = 0; i < size; ++i) content[i] = static_cast<char>(i * 131 + i / 7);
+        ASSERT_TRUE(writeFileAtomically(path, content));
+        ASSERT_TRUE(readFileInto(path, kept)) << size;
+        EXPECT_EQ(kept.size(), size);
+        EXPECT_TRUE(kept == content) << "content differs at size " << size;
+    }
+}
+
+TEST_F(AtomicFileTests, ReadingIntoAStringFailsWithTheFileErrorAndLeavesItEmpty) {
+    struct Case {
+        const char* name;
+        fs::path path;
+        int code;
+    };
+    const Case cases[] = {
+        {"missing", folder_ / "absent", ENOENT},
+        {"a folder", folder_, EISDIR},
+    };
+    for (const auto& c : cases) {
+        std::string kept = "left over";
+        const auto read = readFileInto(c.path, kept);
+        ASSERT_FALSE(read) << c.name;
+        EXPECT_EQ(read.error().code, c.code) << c.name;
+        EXPECT_TRUE(kept.empty()) << c.name;
+    }
+}
+
 }  // namespace
 }  // namespace harbex
