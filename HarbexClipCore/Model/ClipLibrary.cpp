@@ -1,5 +1,10 @@
 #include "HarbexClipCore/Model/ClipLibrary.hpp"
 
+#include <tuple>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
 namespace harbex {
 
 namespace {
@@ -22,6 +27,56 @@ Writer& writeFields(Writer& writer, const ClipLibrary& library) {
 }
 
 }  // namespace
+
+namespace {
+
+// Keeps the first of each id; a later record with a taken id is dropped when it repeats the
+// kept one exactly, and otherwise kept under a fresh id. Returns the two counts.
+template <class Record>
+std::pair<std::size_t, std::size_t> uniqueIdentities(std::vector<Record>& records) {
+    std::unordered_map<Uuid, std::size_t> firstAt;
+    firstAt.reserve(records.size());
+    std::size_t dropped = 0;
+    std::size_t renumbered = 0;
+    std::size_t kept = 0;
+    for (std::size_t index = 0; index < records.size(); ++index) {
+        Record& record = records[index];
+        const auto [found, fresh] = firstAt.try_emplace(record.id, kept);
+        if (!fresh) {
+            if (records[found->second] == record) {
+                ++dropped;
+                continue;
+            }
+            do {
+                record.id = Uuid::random();
+            } while (!firstAt.try_emplace(record.id, kept).second);
+            ++renumbered;
+        }
+        if (kept != index) records[kept] = std::move(record);
+        ++kept;
+    }
+    records.resize(kept);
+    return {dropped, renumbered};
+}
+
+}  // namespace
+
+ClipLibraryRepairs repairIdentities(ClipLibrary& library) {
+    ClipLibraryRepairs repairs;
+    std::tie(repairs.droppedItems, repairs.renumberedItems) = uniqueIdentities(library.items);
+    std::tie(repairs.droppedBoards, repairs.renumberedBoards) = uniqueIdentities(library.pinboards);
+    std::unordered_set<Uuid> items;
+    items.reserve(library.items.size());
+    for (const auto& item : library.items) items.insert(item.id);
+    std::unordered_set<Uuid> onBoard;
+    for (auto& board : library.pinboards) {
+        onBoard.clear();
+        repairs.droppedBoardEntries += std::erase_if(board.itemIDs, [&](const Uuid& id) {
+            return !items.contains(id) || !onBoard.insert(id).second;
+        });
+    }
+    return repairs;
+}
 
 JsonValue encodeJson(const Pinboard& board) {
     JsonObjectWriter writer;
@@ -65,6 +120,7 @@ JsonStatus decodeJson(const JsonValue& json, ClipLibrary& out) {
         .required("items", library.items)
         .required("pinboards", library.pinboards);
     if (!reader.ok()) return reader.status();
+    repairIdentities(library);
     out = std::move(library);
     return {};
 }

@@ -3,6 +3,7 @@
 // The whole remembered history as one value: the copies, newest first, and the user's pinboards.
 // This is exactly the document the store seals. Values only; thread: any.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -36,10 +37,30 @@ struct ClipLibrary {
     friend bool operator==(const ClipLibrary&, const ClipLibrary&) = default;
 };
 
+// What repairIdentities put right in a library that was read.
+struct ClipLibraryRepairs {
+    std::size_t droppedItems = 0;         // exact repeats of an earlier item
+    std::size_t renumberedItems = 0;      // another item under an id already taken: a fresh id
+    std::size_t droppedBoards = 0;        // exact repeats of an earlier board
+    std::size_t renumberedBoards = 0;     // another board under a board id already taken
+    std::size_t droppedBoardEntries = 0;  // ids repeated on one board, or naming no item
+
+    friend bool operator==(const ClipLibraryRepairs&, const ClipLibraryRepairs&) = default;
+};
+
+// Makes every item id and board id unique and every board entry name one item, once, without
+// losing any content: a later item or board that repeats an earlier one exactly is dropped; one
+// that differs but carries a taken id gets a fresh id (boards keep pointing at the first, which
+// is the newer copy); a board entry repeated or naming no item is dropped. A library written by
+// this program is never changed. Images are named by digest, so a fresh id keeps its image.
+ClipLibraryRepairs repairIdentities(ClipLibrary& library);
+
 JsonValue encodeJson(const Pinboard& board);
 void writeJson(JsonTextWriter& writer, const Pinboard& board);
 JsonStatus decodeJson(const JsonValue& json, Pinboard& out);
-// Every key is required; one bad item or board fails the whole document, with its path.
+// Every key is required; one bad item or board fails the whole document, with its path. A
+// document that decodes is passed through repairIdentities, so what is read is always a history
+// the operations on it can trust.
 JsonValue encodeJson(const ClipLibrary& library);
 // The same text as serializeJson(encodeJson(library)) without building the value tree: what the
 // store writes on every save.

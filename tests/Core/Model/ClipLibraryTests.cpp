@@ -5,6 +5,7 @@
 #include <array>
 #include <limits>
 #include <random>
+#include <set>
 #include <string>
 
 namespace harbex {
@@ -117,6 +118,110 @@ TEST(ClipLibraryTests, AWriterAppendingToAKeptStringWritesTheSameDocumentEachTim
         writeJson(writer, *library);
         EXPECT_EQ(kept, serializeJson(encodeJson(*library)));
     }
+}
+
+ClipItem itemWithText(const Uuid& id, std::string text) {
+    ClipItem item;
+    item.id = id;
+    item.text = std::move(text);
+    item.fingerprint = fingerprint(ClipKind::text, item.text, std::nullopt, std::nullopt);
+    return item;
+}
+
+TEST(ClipLibraryTests, RepeatedIdentitiesAreMadeUniqueWithoutLosingContent) {
+    const Uuid a = *Uuid::parse("00000000-0000-4000-8000-00000000000A");
+    const Uuid b = *Uuid::parse("00000000-0000-4000-8000-00000000000B");
+    const Uuid unknown = *Uuid::parse("00000000-0000-4000-8000-0000000000FF");
+    const Uuid boardID = *Uuid::parse("00000000-0000-4000-8000-0000000000BB");
+    struct Case {
+        const char* name;
+        ClipLibrary library;
+        ClipLibraryRepairs repairs;
+        std::vector<std::string> texts;                // of the items after repair, in order
+        std::vector<std::vector<std::size_t>> boards;  // item positions on each board
+    };
+    Case cases[] = {
+        {"a sound library is left alone",
+         ClipLibrary{1,
+                     {itemWithText(a, "one"), itemWithText(b, "two")},
+                     {Pinboard{boardID, "Work", "blue", "star", {b, a}}}},
+         {},
+         {"one", "two"},
+         {{1, 0}}},
+        {"an exact repeat of an item is dropped",
+         ClipLibrary{
+             1, {itemWithText(a, "one"), itemWithText(b, "two"), itemWithText(a, "one")}, {}},
+         {.droppedItems = 1},
+         {"one", "two"},
+         {}},
+        {"another item under a taken id keeps its content under a fresh id",
+         ClipLibrary{1,
+                     {itemWithText(a, "newer"), itemWithText(a, "older")},
+                     {Pinboard{boardID, "Work", "blue", "star", {a}}}},
+         {.renumberedItems = 1},
+         {"newer", "older"},
+         {{0}}},
+        {"ids repeated on a board or naming no item are dropped from it",
+         ClipLibrary{1,
+                     {itemWithText(a, "one"), itemWithText(b, "two")},
+                     {Pinboard{boardID, "Work", "blue", "star", {b, unknown, a, b, a}}}},
+         {.droppedBoardEntries = 3},
+         {"one", "two"},
+         {{1, 0}}},
+        {"an exact repeat of a board is dropped; another board under its id is kept",
+         ClipLibrary{1,
+                     {itemWithText(a, "one")},
+                     {Pinboard{boardID, "Work", "blue", "star", {a}},
+                      Pinboard{boardID, "Work", "blue", "star", {a}},
+                      Pinboard{boardID, "Home", "red", "house", {a}}}},
+         {.droppedBoards = 1, .renumberedBoards = 1},
+         {"one"},
+         {{0}, {0}}},
+    };
+    for (auto& c : cases) {
+        ClipLibrary library = c.library;
+        EXPECT_EQ(repairIdentities(library), c.repairs) << c.name;
+        std::vector<std::string> texts;
+        std::set<Uuid> ids;
+        for (const auto& item : library.items) {
+            texts.push_back(item.text.value_or(""));
+            ids.insert(item.id);
+        }
+        EXPECT_EQ(texts, c.texts) << c.name;
+        EXPECT_EQ(ids.size(), library.items.size()) << c.name << ": ids are not unique";
+        std::vector<std::vector<std::size_t>> boards;
+        std::set<Uuid> boardIDs;
+        for (const auto& board : library.pinboards) {
+            boardIDs.insert(board.id);
+            auto& positions = boards.emplace_back();
+            for (const auto& id : board.itemIDs) {
+                for (std::size_t index = 0; index < library.items.size(); ++index) {
+                    if (library.items[index].id == id) positions.push_back(index);
+                }
+            }
+        }
+        EXPECT_EQ(boards, c.boards) << c.name;
+        EXPECT_EQ(boardIDs.size(), library.pinboards.size()) << c.name;
+        // The first holder of an id keeps it.
+        ASSERT_FALSE(library.items.empty()) << c.name;
+        EXPECT_EQ(library.items[0].id, c.library.items[0].id) << c.name;
+    }
+}
+
+TEST(ClipLibraryTests, ADocumentWithRepeatedIdsReadsAsTheRepairedLibrary) {
+    const Uuid a = Uuid::random();
+    ClipLibrary written{1,
+                        {itemWithText(a, "newer"), itemWithText(a, "older")},
+                        {Pinboard{Uuid::random(), "Work", "blue", "star", {a, a}}}};
+    const auto parsed = parseJson(jsonText(written));
+    ASSERT_TRUE(parsed);
+    const auto read = decodeJsonAs<ClipLibrary>(*parsed);
+    ASSERT_TRUE(read) << read.error().description();
+    ASSERT_EQ(read->items.size(), 2u);
+    EXPECT_EQ(read->items[0].id, a);
+    EXPECT_NE(read->items[1].id, a);
+    EXPECT_EQ(read->items[1].text, "older");
+    EXPECT_EQ(read->pinboards[0].itemIDs, std::vector<Uuid>{a});
 }
 
 }  // namespace

@@ -485,5 +485,22 @@ TEST(ClipStoreTests, SavesFromTheSaveThreadAndTheCallersThreadNeverMixTheirDocum
     }
 }
 
+TEST(ClipStoreTests, AHistoryWithARepeatedIdLoadsWithEveryCopyUnderItsOwnId) {
+    TempFolder temp;
+    ClipLibrary library = textLibrary(3);
+    library.items[2].id = library.items[0].id;
+    library.pinboards.push_back(
+        Pinboard{Uuid::random(), "Work", "blue", "star", {library.items[0].id}});
+    auto [keys, store] = makeStore(temp.path());
+    ASSERT_TRUE(store->saveNow(library));
+    const auto loaded = store->load();
+    ASSERT_TRUE(loaded) << loaded.error().description();
+    ASSERT_EQ(loaded->items.size(), 3u);
+    EXPECT_EQ(loaded->items[0], library.items[0]);
+    EXPECT_EQ(loaded->items[2].text, library.items[2].text);
+    EXPECT_NE(loaded->items[2].id, library.items[0].id);
+    EXPECT_EQ(loaded->pinboards, library.pinboards);
+}
+
 }  // namespace
 }  // namespace harbex
