@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "HarbexClipCore/Model/RecordCoding.hpp"
 #include "HarbexClipCore/Support/ByteCount.hpp"
 #include "HarbexClipCore/Support/Digest.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
@@ -342,8 +343,6 @@ std::optional<std::string> ClipItem::host() const {
     return withoutWww(*address->host);
 }
 
-namespace {
-
 // Each record's keys, in declaration order, for both the value-tree and the text writer.
 template <class Writer>
 Writer& writeFields(Writer& writer, const ClipImageInfo& info) {
@@ -388,21 +387,6 @@ Writer& writeFields(Writer& writer, const ClipItem& item) {
         .field("fingerprint", item.fingerprint)
         .optional("original", item.original);
 }
-
-template <class Record>
-JsonValue encodeRecord(const Record& record) {
-    JsonObjectWriter writer;
-    return writeFields(writer, record).take();
-}
-
-template <class Record>
-void writeRecord(JsonTextWriter& writer, const Record& record) {
-    writer.beginObject();
-    writeFields(writer, record);
-    writer.endObject();
-}
-
-}  // namespace
 
 JsonValue encodeJson(const ClipImageInfo& info) { return encodeRecord(info); }
 void writeJson(JsonTextWriter& writer, const ClipImageInfo& info) { writeRecord(writer, info); }

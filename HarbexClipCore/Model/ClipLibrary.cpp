@@ -1,13 +1,13 @@
 #include "HarbexClipCore/Model/ClipLibrary.hpp"
 
+#include "HarbexClipCore/Model/RecordCoding.hpp"
+
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 namespace harbex {
-
-namespace {
 
 // Each record's keys, in declaration order, for both the value-tree and the text writer.
 template <class Writer>
@@ -25,8 +25,6 @@ Writer& writeFields(Writer& writer, const ClipLibrary& library) {
         .field("items", library.items)
         .field("pinboards", library.pinboards);
 }
-
-}  // namespace
 
 namespace {
 
@@ -78,16 +76,8 @@ ClipLibraryRepairs repairIdentities(ClipLibrary& library) {
     return repairs;
 }
 
-JsonValue encodeJson(const Pinboard& board) {
-    JsonObjectWriter writer;
-    return writeFields(writer, board).take();
-}
-
-void writeJson(JsonTextWriter& writer, const Pinboard& board) {
-    writer.beginObject();
-    writeFields(writer, board);
-    writer.endObject();
-}
+JsonValue encodeJson(const Pinboard& board) { return encodeRecord(board); }
+void writeJson(JsonTextWriter& writer, const Pinboard& board) { writeRecord(writer, board); }
 
 JsonStatus decodeJson(const JsonValue& json, Pinboard& out) {
     Pinboard board;
@@ -102,16 +92,8 @@ JsonStatus decodeJson(const JsonValue& json, Pinboard& out) {
     return {};
 }
 
-JsonValue encodeJson(const ClipLibrary& library) {
-    JsonObjectWriter writer;
-    return writeFields(writer, library).take();
-}
-
-void writeJson(JsonTextWriter& writer, const ClipLibrary& library) {
-    writer.beginObject();
-    writeFields(writer, library);
-    writer.endObject();
-}
+JsonValue encodeJson(const ClipLibrary& library) { return encodeRecord(library); }
+void writeJson(JsonTextWriter& writer, const ClipLibrary& library) { writeRecord(writer, library); }
 
 JsonStatus decodeJson(const JsonValue& json, ClipLibrary& out) {
     ClipLibrary library;
