@@ -15,6 +15,8 @@
 
 #include "HarbexClip/Views/ShortcutRecorder.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
+#include "HarbexClipCore/Store/ClipStorageUsage.hpp"
+#include "HarbexClipCore/Support/ByteCount.hpp"
 
 namespace harbex {
 
@@ -153,6 +155,9 @@ SettingsWindow::SettingsWindow(SettingsWindowServices services, QWidget* parent)
         if (row < 0) return;
         pages_->setCurrentIndex(row);
         ClipSettingsStore::savePage(static_cast<ClipSettingsPage>(row), services_.defaults);
+        // Measured when looked at, so the figures are those of now.
+        if (static_cast<ClipSettingsPage>(row) == ClipSettingsPage::history && storageRefresher_)
+            storageRefresher_();
     });
     sidebar_->setCurrentRow(static_cast<int>(ClipSettingsStore::loadPage(services_.defaults)));
 
@@ -439,6 +444,30 @@ QWidget* SettingsWindow::historyPage() {
         if (services_.clearHistory) services_.clearHistory();
     });
     layout->addRow(QString(), clear);
+    auto* storage = new QLabel(page);
+    storage->setObjectName("storageBreakdown");
+    storage->setTextFormat(Qt::PlainText);
+    storageRefresher_ = [this, storage] {
+        const ClipStorageUsage usage = measureStorage(services_.historyFolder);
+        auto size = [](std::int64_t bytes) {
+            return QString::fromStdString(formatByteCount(bytes));
+        };
+        auto files = [](std::int64_t count) {
+            return count == 1 ? tr("1 file") : tr("%1 files").arg(count);
+        };
+        QStringList lines;
+        lines << tr("History: %1").arg(size(usage.historyBytes));
+        lines << tr("Images: %1 in %2").arg(size(usage.imageBytes), files(usage.imageCount));
+        lines << tr("Thumbnails: %1").arg(size(usage.thumbnailBytes));
+        if (usage.setAsideCount > 0) {
+            lines << tr("Unreadable histories set aside: %1 in %2")
+                         .arg(size(usage.setAsideBytes), files(usage.setAsideCount));
+        }
+        lines << tr("In all: %1").arg(size(usage.totalBytes()));
+        storage->setText(lines.join("\n"));
+    };
+    storageRefresher_();
+    layout->addRow(tr("Space used:"), storage);
     layout->addRow(tr("Stored in:"), note(QString::fromStdString(services_.historyFolder) + "\n" +
                                           tr("Encrypted with a key kept in your login keyring.")));
     return page;

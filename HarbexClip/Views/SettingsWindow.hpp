@@ -65,6 +65,7 @@ private:
     QStackedWidget* pages_;
     std::vector<std::function<void(const ClipSettings&)>> refreshers_;
     std::vector<std::function<void()>> pinboardRefreshers_;
+    std::function<void()> storageRefresher_;
     bool refreshing_ = false;
     Subscription settingsWatch_;
     Subscription pinboardsWatch_;
