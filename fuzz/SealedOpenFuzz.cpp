@@ -1,9 +1,11 @@
 // Sealed files come from disk, where anything may be: opening arbitrary bytes must give a typed
 // refusal, never a crash. The first byte picks what the rest is:
-//   even: a whole sealed file, opened with a fixed key (only its form is checked first);
-//   odd:  plain text, sealed with the key and opened again, which must give it back whole, then
-//         decoded as a library the way a load does.
+//   even: a whole sealed file, opened with a fixed key (only its form is checked first), and
+//         opened in place, which must agree;
+//   odd:  plain text, sealed with the key (copying and in place) and opened again, which must
+//         give it back whole, then decoded as a library the way a load does.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -21,6 +23,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     if (data[0] % 2 == 0) {
         const auto opened = openFile(key, rest, "history");
+        // Opening in place must agree, on a copy the cipher may write over.
+        Bytes copy(rest.begin(), rest.end());
+        const auto inPlace = openFileInPlace(key, copy, "history");
+        if (inPlace.has_value() != opened.has_value()) std::abort();
+        if (!inPlace && !(inPlace.error() == opened.error())) std::abort();
         if (opened) return 0;  // only a forged tag would get here
         const bool wrongForm = opened.error().is(ClipStoreError::Case::badFormat);
         if (wrongForm == hasSealedForm(rest)) std::abort();
@@ -37,6 +44,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::abort();
     }
     if (openFile(key, *sealed, "image history")) std::abort();
+    // Sealed where it lies, the same bytes open the same way.
+    Bytes laidOut(rest.size() + kSealedOverhead);
+    std::copy(rest.begin(), rest.end(), laidOut.begin() + kSealedHeaderSize);
+    if (!sealFileInPlace(key, laidOut, "history")) std::abort();
+    const auto reopened = openFile(key, laidOut, "history");
+    if (!reopened || *reopened != *opened) std::abort();
     const auto json =
         parseJson(std::string_view(reinterpret_cast<const char*>(opened->data()), opened->size()));
     if (json) (void)decodeJsonAs<ClipLibrary>(*json);
