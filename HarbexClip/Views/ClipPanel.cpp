@@ -545,9 +545,16 @@ void ClipPanel::redraw() {
         body_->setCurrentWidget(list_);
         if (const int row = rows_->selectedRow(); row >= 0) {
             const QModelIndex index = rows_->index(row);
-            // The header above the first copy of a group comes into view with it.
-            if (row == 1) list_->scrollToTop();
-            list_->scrollTo(index);
+            // The first copy brings the header above it into view.
+            bool first = true;
+            for (int above = 0; above < row && first; ++above) {
+                first = rows_->index(above).data(ClipPanelListModel::isHeaderRole).toBool();
+            }
+            if (first) {
+                list_->scrollToTop();
+            } else {
+                list_->scrollTo(index);
+            }
         }
     }
 
