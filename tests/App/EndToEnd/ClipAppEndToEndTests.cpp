@@ -44,6 +44,12 @@ const ClipItem* find(ClipEngine& engine, const std::function<bool(const ClipItem
     return nullptr;
 }
 
+// What the receiving window holds right now ("" until it has written its file once).
+std::string received(const fs::path& file) {
+    auto bytes = readFile(file);
+    return bytes ? stringOf(*bytes) : std::string();
+}
+
 // A whole session in the test: Xvfb with openbox, a private bus with an unlocked keyring, empty
 // XDG folders, and the application assembled in this process so its state can be looked at.
 class ClipAppEndToEndTests : public ::testing::Test {
@@ -204,6 +210,82 @@ TEST_F(ClipAppEndToEndTests, CopiesAreKeptSealedPrivateOnesSkippedAndAllSurviveA
     EXPECT_FALSE(find(engine, [](const ClipItem& i) {
         return i.text && i.text->find("horse") != std::string::npos;
     }));
+}
+
+TEST_F(ClipAppEndToEndTests, ReturnPastesTheChosenCopyIntoTheWindowThatWasInFront) {
+    AppDelegate delegate;
+    ASSERT_EQ(delegate.start(ClipCommand::autostart), std::nullopt);
+    ClipEngine& engine = delegate.app()->engine();
+    ASSERT_TRUE(waitUntil([&] { return engine.isHistoryOpen().get(); }));
+    const std::string copies[] = {"quince jam for the receiver", "walnut bread for the receiver",
+                                  "apricot tart for the receiver"};
+    for (const std::string& text : copies) {
+        copy(write("paste.txt", bytesOf(text)), "UTF8_STRING");
+        ASSERT_TRUE(waitUntil([&] {
+            return find(engine, [&](const ClipItem& i) { return i.text == text; });
+        })) << text;
+    }
+
+    // Each case pastes into a fresh receiver, chosen by typing, by moving, or both. A paste
+    // makes its copy the newest, so the cases name what they choose by the panel's order then.
+    ClipPanelModel* model = nullptr;
+    auto newest = [&] { return engine.history().get().front().text.value_or(""); };
+    auto secondResult = [&] { return model->results().at(1)->text.value_or(""); };
+    struct Case {
+        const char* name;
+        std::vector<std::vector<std::string>> keys;  // xdotool arguments, one run each
+        std::string query;
+        std::function<std::string()> expected;  // asked before Return
+        bool terminal = false;                  // the receiver keys like a terminal emulator
+    };
+    const Case cases[] = {
+        {"typing narrows to one copy",
+         {{"type", "--delay", "15", "walnut"}},
+         "walnut",
+         [&] { return copies[1]; }},
+        {"the newest copy is chosen first", {}, "", newest},
+        {"moving down after typing",
+         {{"type", "--delay", "15", "receiver"}, {"key", "Down"}},
+         "receiver",
+         secondResult},
+    };
+    auto& frontmost = delegate.app()->frontmost();
+    int round = 0;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const fs::path file = root / ("received-" + std::to_string(++round) + ".txt");
+        std::vector<std::string> command{HARBEX_PASTE_RECEIVER, file.string()};
+        if (c.terminal) command.insert(command.end(), {"--terminal", "-name", "xterm"});
+        Process receiver(command, server->display());
+        ASSERT_TRUE(waitUntil([&] {
+            const auto front = frontmost.frontApp();
+            return fs::exists(file) && front && front->pid == receiver.pid();
+        })) << "the receiver never came to the front";
+
+        testing_x11::run({"xdotool", "key", "--clearmodifiers", "ctrl+super+v"}, server->display());
+        ASSERT_TRUE(waitUntil([&] {
+            return delegate.panel() && delegate.panel()->isVisible() &&
+                   QApplication::activeWindow() == delegate.panel();
+        })) << "the panel did not open with the keyboard";
+        for (const auto& keys : c.keys) {
+            std::vector<std::string> command{"xdotool"};
+            command.insert(command.end(), keys.begin(), keys.end());
+            testing_x11::run(command, server->display());
+        }
+        model = delegate.panelModel();
+        ASSERT_TRUE(waitUntil([&] { return model->query() == c.query; }));
+        const std::string expected = c.expected();
+        EXPECT_NE(expected, "");
+        testing_x11::run({"xdotool", "key", "Return"}, server->display());
+
+        ASSERT_TRUE(waitUntil([&] { return received(file) == expected; }))
+            << "the receiver holds \"" << received(file) << "\"";
+        EXPECT_FALSE(delegate.panel()->isVisible());
+        const auto front = frontmost.frontApp();
+        EXPECT_TRUE(front && front->pid == receiver.pid()) << "the front was not handed back";
+        receiver.stop();
+    }
+    engine.shutdown();
 }
 
 }  // namespace
