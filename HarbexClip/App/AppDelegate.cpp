@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QMessageBox>
 #include <QRadioButton>
@@ -16,6 +17,7 @@
 #include <fstream>
 #include <set>
 
+#include "HarbexClip/App/ClipTimings.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 
 // Resources compiled into a static library must be registered by hand, outside any namespace.
@@ -79,10 +81,20 @@ bool showsLibraryAtLaunch(ClipCommand command, std::optional<Date> relaunchMarke
     return showAtLaunch.value_or(true);
 }
 
+LaunchWindow launchWindow(ClipCommand command, std::optional<Date> relaunchMarkedAt,
+                          std::optional<bool> showAtLaunch, bool welcomeFinished, Date now) {
+    if (command == ClipCommand::autostart) return LaunchWindow::none;
+    if (!welcomeFinished) return LaunchWindow::welcome;
+    return showsLibraryAtLaunch(command, relaunchMarkedAt, showAtLaunch, now)
+               ? LaunchWindow::library
+               : LaunchWindow::none;
+}
+
 AppDelegate::AppDelegate(QObject* parent) : QObject(parent) { initialiseResources(); }
 
 AppDelegate::~AppDelegate() {
     // The windows and the tray go before the system they observe.
+    delete welcome_.data();
     delete settingsWindow_.data();
     delete libraryWindow_.data();
     panel_.reset();
@@ -91,6 +103,7 @@ AppDelegate::~AppDelegate() {
     settingsWatch_.cancel();
     historyWatch_.cancel();
     problemWatch_.cancel();
+    readyWatch_.cancel();
     pump_.reset();
     app_.reset();
 }
@@ -136,7 +149,7 @@ std::optional<std::string> AppDelegate::start(ClipCommand command) {
     // 5. The tray and the global shortcuts.
     buildTray();
     app_->hotKeyActions() = ClipHotKeys::Actions{
-        .openPanel = [this] { showPanel(); },
+        .openPanel = [this] { openPanelFromShortcut(); },
         .openLibrary = [this] { showLibrary(); },
         .pause = [this] { togglePause(); },
     };
@@ -147,11 +160,15 @@ std::optional<std::string> AppDelegate::start(ClipCommand command) {
     const Date now = Date::fromUnix(double(QDateTime::currentSecsSinceEpoch()));
     const std::optional<Date> relaunch = app_->defaults().date(kRelaunchMarkKey);
     if (relaunch) app_->defaults().remove(kRelaunchMarkKey);
-    if (showsLibraryAtLaunch(command, relaunch, showAtLaunch, now)) {
+    const LaunchWindow window =
+        launchWindow(command, relaunch, showAtLaunch, engine.settings()->welcomeFinished, now);
+    if (window == LaunchWindow::library) {
         showLibrary();
     } else if (command != ClipCommand::open && command != ClipCommand::autostart) {
         perform(command);
     }
+    if (window == LaunchWindow::welcome) showWelcome();
+    traceReadyWhenOpen();
 
     // Saving before exit: the engine writes a queued save and waits for the store.
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
@@ -159,6 +176,41 @@ std::optional<std::string> AppDelegate::start(ClipCommand command) {
         if (app_) app_->engine().shutdown();
     });
     return std::nullopt;
+}
+
+void AppDelegate::traceReadyWhenOpen() {
+    if (!ClipTimings::enabled()) return;
+    // Ready: the history is open and the loop has come back once, so the tray and any window
+    // of the start are up.
+    auto reportSoon = [this] {
+        QTimer::singleShot(0, this, [this] {
+            if (!app_) return;
+            ClipTimings::report("ready", ClipTimings::sinceProcessStart(),
+                                app_->engine().history().get().size());
+        });
+    };
+    if (app_->engine().isHistoryOpen().get()) {
+        reportSoon();
+        return;
+    }
+    readyWatch_ = app_->engine().isHistoryOpen().subscribe([this, reportSoon](bool open) {
+        if (!open) return;
+        reportSoon();
+        QTimer::singleShot(0, this, [this] { readyWatch_.cancel(); });
+    });
+}
+
+void AppDelegate::openPanelFromShortcut() {
+    const bool opens = !(panel_ && panel_->isVisible());
+    QElapsedTimer pressed;
+    pressed.start();
+    showPanel();
+    if (!ClipTimings::enabled() || !opens || !panel_) return;
+    ClipTimings::afterNextPaint(*panel_, [this, pressed] {
+        if (!app_) return;
+        ClipTimings::report("panel-shown", double(pressed.nsecsElapsed()) / 1e6,
+                            app_->engine().history().get().size());
+    });
 }
 
 void AppDelegate::startSampling() {
@@ -381,6 +433,27 @@ void AppDelegate::showPanel() {
     panel_->present();
 }
 
+void AppDelegate::showWelcome() {
+    if (!app_) return;
+    if (!welcome_) {
+        ClipEngine& engine = app_->engine();
+        welcome_ =
+            new ClipWelcome(welcomeText(engine.settings().get(), ClipKeyVocabulary::linuxNames));
+        welcome_->setWindowIcon(QIcon(":/harbex/app.harbexapps.clip.svg"));
+        connect(welcome_, &ClipWelcome::settingsRequested, this,
+                [this] { showSettings(ClipSettingsPage::shortcuts); });
+        connect(welcome_, &ClipWelcome::finished, this, [this] {
+            if (!app_ || app_->engine().settings()->welcomeFinished) return;
+            ClipSettings settings = app_->engine().settings().get();
+            settings.welcomeFinished = true;
+            app_->engine().updateSettings(std::move(settings));
+        });
+    }
+    welcome_->show();
+    welcome_->raise();
+    welcome_->activateWindow();
+}
+
 void AppDelegate::showLibrary() {
     if (!app_) return;
     if (!libraryWindow_) {
@@ -399,8 +472,23 @@ void AppDelegate::showLibrary() {
                     return app_->store().writeImage(image.data, image.digest).has_value();
                 },
             .clearHistory = [this] { clearHistory(); },
+            .readThumbnail = [this](const ClipImageInfo& info) -> std::optional<Bytes> {
+                auto bytes = app_->store().readThumbnail(info.digest);
+                if (!bytes) bytes = app_->store().readImage(info.digest);
+                if (!bytes) return std::nullopt;
+                return std::move(*bytes);
+            },
+            .desktopEntry =
+                [this](const std::string& id) { return app_->desktopEntries().byID(id); },
+            .defaults = &app_->defaults(),
         });
         libraryWindow_->setWindowIcon(QIcon(":/harbex/app.harbexapps.clip.svg"));
+    }
+    // Return in the library pastes into the application that was in front before it.
+    if (!libraryWindow_->isActiveWindow()) {
+        std::optional<ClipTargetApp> front = app_->frontmost().frontApp();
+        if (front && front->pid == app_->frontmost().ownPid()) front.reset();
+        libraryWindow_->setPasteTarget(front);
     }
     libraryWindow_->show();
     libraryWindow_->raise();

@@ -12,6 +12,7 @@
 #include "HarbexClip/App/ClipApp.hpp"
 #include "HarbexClip/App/ClipAutostart.hpp"
 #include "HarbexClip/App/ClipCommand.hpp"
+#include "HarbexClip/App/ClipWelcome.hpp"
 #include "HarbexClip/App/X11EventPump.hpp"
 #include "HarbexClip/Views/ClipPanel.hpp"
 #include "HarbexClip/Views/LibraryWindow.hpp"
@@ -23,6 +24,14 @@ namespace harbex {
 // (marked less than a minute ago); otherwise as "clipShowAtLaunch" says (on when never set).
 bool showsLibraryAtLaunch(ClipCommand command, std::optional<Date> relaunchMarkedAt,
                           std::optional<bool> showAtLaunch, Date now);
+
+// The window a start shows of its own accord.
+enum class LaunchWindow { none, welcome, library };
+
+// A login start shows nothing (the welcome waits for the user's own start); a first start by
+// the user shows the welcome in place of the library; otherwise as showsLibraryAtLaunch says.
+LaunchWindow launchWindow(ClipCommand command, std::optional<Date> relaunchMarkedAt,
+                          std::optional<bool> showAtLaunch, bool welcomeFinished, Date now);
 
 // The application shell: assembles the system, starts sampling, puts the tray icon up, answers
 // commands from later starts and saves before the process ends. Main thread.
@@ -48,15 +57,20 @@ public:
     void showSettings(std::optional<ClipSettingsPage> page = std::nullopt);
     void togglePause();
     void clearHistory();
+    // The first-run welcome; closing it (either way) marks the welcome finished in the settings.
+    void showWelcome();
 
     ClipApp* app() { return app_.get(); }
     SettingsWindow* settingsWindow() { return settingsWindow_; }
     LibraryWindow* libraryWindow() { return libraryWindow_; }
     ClipPanel* panel() { return panel_.get(); }
     ClipPanelModel* panelModel() { return panelModel_.get(); }
+    ClipWelcome* welcomeWindow() { return welcome_; }
 
 private:
     void startSampling();
+    void openPanelFromShortcut();
+    void traceReadyWhenOpen();
     void buildTray();
     void refreshTray();
     void applySettings(const ClipSettings& settings);
@@ -68,12 +82,14 @@ private:
     Subscription settingsWatch_;
     Subscription historyWatch_;
     Subscription problemWatch_;
+    Subscription readyWatch_;
     std::unique_ptr<X11EventPump> pump_;
     bool sampleQueued_ = false;
     QSystemTrayIcon* tray_ = nullptr;
     std::unique_ptr<QMenu> trayMenu_;
     QPointer<SettingsWindow> settingsWindow_;
     QPointer<LibraryWindow> libraryWindow_;
+    QPointer<ClipWelcome> welcome_;
     std::unique_ptr<ClipPanelModel> panelModel_;
     std::unique_ptr<ClipPanel> panel_;
     std::optional<ClipSettings> lastSettings_;
