@@ -53,7 +53,7 @@ std::optional<DesktopEntry> DesktopEntries::parse(const std::string& id, const s
     // LANG "de_DE.UTF-8" looks for Name[de_DE], then Name[de].
     std::string full = language.substr(0, language.find_first_of(".@"));
     std::string shortLanguage = full.substr(0, full.find('_'));
-    DesktopEntry entry{id, {}, {}};
+    DesktopEntry entry{id, {}, {}, {}};
     std::string fullName, shortName;
     bool inEntry = false, application = false, hidden = false;
     std::stringstream stream(text);
@@ -79,6 +79,8 @@ std::optional<DesktopEntry> DesktopEntries::parse(const std::string& id, const s
             shortName = value;
         else if (key == "StartupWMClass")
             entry.startupWMClass = value;
+        else if (key == "Icon")
+            entry.icon = value;
         else if (key == "Type")
             application = value == "Application";
         else if (key == "Hidden")

@@ -12,6 +12,7 @@ struct DesktopEntry {
     std::string id;  // the file name without ".desktop"
     std::string name;
     std::string startupWMClass;
+    std::string icon;  // a theme icon name or an absolute path; empty when the file names none
 
     bool operator==(const DesktopEntry&) const = default;
 };
