@@ -50,6 +50,23 @@ ClipPinsStatus ClipPinsBridge::unpin(const Uuid& id) {
     }));
 }
 
+std::expected<std::size_t, ClipPinsError> ClipPinsBridge::addMissingPins(
+    const std::vector<PinRecord>& records) {
+    std::size_t added = 0;
+    auto written = writeResult(document_.update([&](ClipboardPins& pins) {
+        added = 0;  // the change may run again on a re-read
+        std::set<Uuid> present;
+        for (const auto& pin : pins.pins) present.insert(pin.id);
+        for (const auto& record : records) {
+            if (!present.insert(record.id).second) continue;
+            pins.pins.push_back(record);
+            ++added;
+        }
+    }));
+    if (!written) return std::unexpected(written.error());
+    return added;
+}
+
 bool ClipPinsBridge::isPinned(const Uuid& id) const {
     const auto& pins = document_.value().pins;
     return std::any_of(pins.begin(), pins.end(),

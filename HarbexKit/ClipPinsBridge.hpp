@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <expected>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -32,6 +33,9 @@ public:
     std::vector<Uuid> pinnedIDs() const override;
     std::vector<ClipItem> pinnedItems() const override;
     void setOnChange(std::function<void()> onChange) override;
+    // Appends the records whose ids are not pinned yet, in their order, in one write; returns how
+    // many were added (none: nothing is written).
+    std::expected<std::size_t, ClipPinsError> addMissingPins(const std::vector<PinRecord>& records);
 
     const SharedDocument<ClipboardPins>& document() const { return document_; }
 

@@ -5,6 +5,7 @@
 
 #include "HarbexClip/Linux/SecretServiceKeyStore.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
+#include "HarbexKit/LegacyPinsImport.hpp"
 #include "HarbexKit/SharedFolder.hpp"
 
 namespace harbex {
@@ -53,6 +54,9 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
                                               std::make_unique<SecretServiceKeyStore>(keyOptions));
     app->notifier_ = std::make_unique<DBusDocumentNotifier>();
     app->pins_ = std::make_unique<ClipPinsBridge>(*app->notifier_, places.sharedFolder);
+    // Pins the sibling kept privately before the shared folder existed join the shared ones once;
+    // an old file that cannot be read now is tried again at the next start.
+    (void)importLegacyPins(*app->defaults_, *app->pins_);
 
     ClipFrontmost* frontmost = app->frontmost_.get();
     DesktopEntries* entries = &app->desktopEntries_;
