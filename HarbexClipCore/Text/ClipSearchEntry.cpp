@@ -33,6 +33,7 @@ ClipSearchEntry ClipSearchEntry::make(const ClipItem& item) {
     const bool textOnly = item.text && !item.linkTitle && !item.ocrText && !item.filePaths;
     if (textOnly) {
         entry.body = FoldedText::fold(searchedPrefix(*item.text));
+        entry.bodyPairs = BytePairSet::of(entry.body.bytes());
         return entry;
     }
     std::string body;
@@ -48,12 +49,13 @@ ClipSearchEntry ClipSearchEntry::make(const ClipItem& item) {
         appendPiece(body, paths);
     }
     entry.body = FoldedText::fold(body);
+    entry.bodyPairs = BytePairSet::of(entry.body.bytes());
     return entry;
 }
 
 std::size_t ClipSearchEntry::heapBytes() const {
     const std::size_t id = appID && appID->capacity() > 15 ? appID->capacity() + 1 : 0;
-    return title.heapBytes() + body.heapBytes() + appName.heapBytes() + id;
+    return title.heapBytes() + body.heapBytes() + bodyPairs.heapBytes() + appName.heapBytes() + id;
 }
 
 }  // namespace harbex

@@ -7,6 +7,7 @@
 #include "HarbexClipCore/Model/ClipKind.hpp"
 #include "HarbexClipCore/Support/Date.hpp"
 #include "HarbexClipCore/Support/Uuid.hpp"
+#include "HarbexClipCore/Text/BytePairSet.hpp"
 #include "HarbexClipCore/Text/FoldedText.hpp"
 
 namespace harbex {
@@ -24,6 +25,8 @@ struct ClipSearchEntry {
     FoldedText title;
     // The text, the link title, the recognised text and the file paths, one per line.
     FoldedText body;
+    // The body's neighbouring byte pairs, when the body is long enough to be worth it.
+    BytePairSet bodyPairs;
     FoldedText appName;
     // The source application's bundle identifier as captured, for the application filter; never
     // scored.

@@ -260,15 +260,13 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
         }
     }
 
-    // Matches are newest first already, so a stable sort by score finishes the order. The
-    // results are made before sorting, while the entries are still visited in the order they
-    // lie in memory.
+    // Matches are newest first already, so a stable sort by score finishes the order.
+    sortByScoreKeepingOrder(found);
     outcome.results.reserve(found.size());
     for (const Match& m : found) {
         const ClipSearchEntry& entry = entries_[scan[m.head].position];
         outcome.results.push_back({entry.id, m.score, entry.date});
     }
-    sortByScoreKeepingOrder(outcome.results);
     return outcome;
 }
 

@@ -121,6 +121,15 @@ std::optional<int> scatteredTokens(const std::vector<std::uint32_t>& word, std::
     return scatteredScore(gaps);
 }
 
+// The scattered match, for a word not found whole in the text.
+std::optional<int> scattered(const ClipSearchWord& word, const FoldedText& text) {
+    if (word.characters().size() < 2) return std::nullopt;
+    if (text.isAscii() && word.folded().isAscii()) {
+        return scatteredAscii(word.folded().bytes(), text.bytes());
+    }
+    return scatteredTokens(word.characters(), text.bytes());
+}
+
 int insideScore(std::size_t distance) {
     if (distance >= kFarDistance) return 300;
     return 400 - static_cast<int>(distance / 10);
@@ -152,12 +161,18 @@ ClipSearchQuery ClipSearchQuery::make(std::string_view query) {
     return out;
 }
 
-std::optional<int> wordScore(const ClipSearchWord& word, const FoldedText& text) {
+namespace {
+
+// `pairs` tells whether the text may contain the word whole; when it cannot, only a scattered
+// match is left to look for.
+std::optional<int> textScore(const ClipSearchWord& word, const FoldedText& text,
+                             const BytePairSet& pairs) {
     const std::string_view q = word.folded().bytes();
     const std::string_view t = text.bytes();
     if (q.empty() || t.empty()) return std::nullopt;
     // Every way of matching needs each of the word's characters somewhere in the text.
     if ((word.folded().characterMask() & ~text.characterMask()) != 0) return std::nullopt;
+    if (!pairs.mayContain(q)) return scattered(word, text);
     if (t.size() >= q.size() && t[0] == q[0] && sameBytes(t.data(), q.data(), q.size())) {
         return t.size() == q.size() ? 1000 : 800;
     }
@@ -173,9 +188,13 @@ std::optional<int> wordScore(const ClipSearchWord& word, const FoldedText& text)
         if (text.isAscii()) return insideScore(at);
         return insideScore(folded::characterCount(t.substr(0, at)));
     }
-    if (word.characters().size() < 2) return std::nullopt;
-    if (text.isAscii() && word.folded().isAscii()) return scatteredAscii(q, t);
-    return scatteredTokens(word.characters(), t);
+    return scattered(word, text);
+}
+
+}  // namespace
+
+std::optional<int> wordScore(const ClipSearchWord& word, const FoldedText& text) {
+    return textScore(word, text, BytePairSet());
 }
 
 std::optional<int> wordScore(const FoldedText& word, const FoldedText& text) {
@@ -191,7 +210,9 @@ std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearc
         if (auto score = wordScore(word, entry.appName)) best = std::max(best, 2 * *score);
     }
     if (best < 1000) {
-        if (auto score = wordScore(word, entry.body)) best = std::max(best, *score);
+        if (auto score = textScore(word, entry.body, entry.bodyPairs)) {
+            best = std::max(best, *score);
+        }
     }
     if (best < 0) return std::nullopt;
     return best;
