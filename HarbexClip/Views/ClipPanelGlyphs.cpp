@@ -40,23 +40,21 @@ void text(QPainter& painter, const QRectF& box, const QString& label, const QCol
 
 }  // namespace
 
-QColor tint(ClipRowGlyph glyph, const ClipPanelPalette& palette) {
+QColor tint(ClipKind glyph, const ClipPanelPalette& palette) {
     const bool dark = palette.isDark;
     switch (glyph) {
-        case ClipRowGlyph::text: return dark ? QColor(0xb8, 0xbc, 0xc8) : QColor(0x5b, 0x63, 0x74);
-        case ClipRowGlyph::richText:
-            return dark ? QColor(0xc9, 0x9b, 0xff) : QColor(0x8e, 0x44, 0xd6);
-        case ClipRowGlyph::link: return dark ? QColor(0x6c, 0xb4, 0xff) : QColor(0x1f, 0x6f, 0xd6);
-        case ClipRowGlyph::image: return dark ? QColor(0x6f, 0xdc, 0x8c) : QColor(0x1e, 0x9a, 0x4a);
-        case ClipRowGlyph::file: return dark ? QColor(0xff, 0xb8, 0x5c) : QColor(0xd2, 0x7a, 0x12);
-        case ClipRowGlyph::colour:
-            return dark ? QColor(0xff, 0x8a, 0xc8) : QColor(0xc8, 0x2f, 0x7e);
-        case ClipRowGlyph::code: return dark ? QColor(0x5e, 0xe0, 0xd2) : QColor(0x0f, 0x8c, 0x80);
+        case ClipKind::text: return dark ? QColor(0xb8, 0xbc, 0xc8) : QColor(0x5b, 0x63, 0x74);
+        case ClipKind::richText: return dark ? QColor(0xc9, 0x9b, 0xff) : QColor(0x8e, 0x44, 0xd6);
+        case ClipKind::link: return dark ? QColor(0x6c, 0xb4, 0xff) : QColor(0x1f, 0x6f, 0xd6);
+        case ClipKind::image: return dark ? QColor(0x6f, 0xdc, 0x8c) : QColor(0x1e, 0x9a, 0x4a);
+        case ClipKind::file: return dark ? QColor(0xff, 0xb8, 0x5c) : QColor(0xd2, 0x7a, 0x12);
+        case ClipKind::color: return dark ? QColor(0xff, 0x8a, 0xc8) : QColor(0xc8, 0x2f, 0x7e);
+        case ClipKind::code: return dark ? QColor(0x5e, 0xe0, 0xd2) : QColor(0x0f, 0x8c, 0x80);
     }
     return palette.secondaryText;
 }
 
-void kind(QPainter& painter, const QRectF& box, ClipRowGlyph glyph, const ClipPanelPalette& palette,
+void kind(QPainter& painter, const QRectF& box, ClipKind glyph, const ClipPanelPalette& palette,
           ClipGlyphTone tone) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -70,7 +68,7 @@ void kind(QPainter& painter, const QRectF& box, ClipRowGlyph glyph, const ClipPa
     painter.setBrush(Qt::NoBrush);
     painter.setPen(strokeOf(colour, w));
     switch (glyph) {
-        case ClipRowGlyph::text: {
+        case ClipKind::text: {
             const qreal step = r.height() / 3;
             for (int i = 0; i < 3; ++i) {
                 const qreal y = r.top() + step * (i + 0.5);
@@ -79,8 +77,8 @@ void kind(QPainter& painter, const QRectF& box, ClipRowGlyph glyph, const ClipPa
             }
             break;
         }
-        case ClipRowGlyph::richText: text(painter, r, "Aa", colour, true, false); break;
-        case ClipRowGlyph::link: {
+        case ClipKind::richText: text(painter, r, "Aa", colour, true, false); break;
+        case ClipKind::link: {
             // Two links of a chain, at 45 degrees.
             painter.translate(r.center());
             painter.rotate(-45);
@@ -89,7 +87,7 @@ void kind(QPainter& painter, const QRectF& box, ClipRowGlyph glyph, const ClipPa
             painter.drawRoundedRect(QRectF(-lh * 0.45, -lh / 2, lw, lh), lh / 2, lh / 2);
             break;
         }
-        case ClipRowGlyph::image: {
+        case ClipKind::image: {
             painter.drawRoundedRect(r, w * 1.5, w * 1.5);
             QPainterPath hills;
             hills.moveTo(r.left(), r.bottom() - r.height() * 0.15);
@@ -104,7 +102,7 @@ void kind(QPainter& painter, const QRectF& box, ClipRowGlyph glyph, const ClipPa
                                 w * 1.3, w * 1.3);
             break;
         }
-        case ClipRowGlyph::file: {
+        case ClipKind::file: {
             const qreal fold = r.width() * 0.32;
             const QRectF page = r.adjusted(r.width() * 0.12, 0, -r.width() * 0.12, 0);
             QPainterPath path;
@@ -120,7 +118,7 @@ void kind(QPainter& painter, const QRectF& box, ClipRowGlyph glyph, const ClipPa
             painter.drawPath(path);
             break;
         }
-        case ClipRowGlyph::colour: {
+        case ClipKind::color: {
             painter.setPen(Qt::NoPen);
             const qreal d = r.width() * 0.5;
             const QColor dots[] = {QColor(0xff, 0x5f, 0x57), QColor(0x28, 0xc8, 0x40),
@@ -134,7 +132,7 @@ void kind(QPainter& painter, const QRectF& box, ClipRowGlyph glyph, const ClipPa
             }
             break;
         }
-        case ClipRowGlyph::code: {
+        case ClipKind::code: {
             const qreal mid = r.center().y();
             painter.drawPolyline(
                 QPolygonF{{r.left() + r.width() * 0.3, r.top() + r.height() * 0.2},

@@ -17,10 +17,10 @@ enum class ClipGlyphTone { normal, onSelection };
 namespace panelglyph {
 
 // The tint a kind's glyph is drawn in.
-QColor tint(ClipRowGlyph glyph, const ClipPanelPalette& palette);
+QColor tint(ClipKind glyph, const ClipPanelPalette& palette);
 // The kind's mark inside a rounded well filling `well`.
-void kind(QPainter& painter, const QRectF& well, ClipRowGlyph glyph,
-          const ClipPanelPalette& palette, ClipGlyphTone tone);
+void kind(QPainter& painter, const QRectF& well, ClipKind glyph, const ClipPanelPalette& palette,
+          ClipGlyphTone tone);
 // A colour swatch: a rounded square of `colour` with a hairline edge (white shows on white).
 void swatch(QPainter& painter, const QRectF& well, const QColor& colour,
             const ClipPanelPalette& palette);

@@ -190,7 +190,7 @@ void ClipPanelPreviewPane::paintPicture(QWidget* area) {
         case Kind::image: {
             if (image_.isNull()) {
                 panelglyph::kind(painter, QRectF(bounds.center() - QPointF(28, 28), QSizeF(56, 56)),
-                                 ClipRowGlyph::image, palette_, ClipGlyphTone::normal);
+                                 ClipKind::image, palette_, ClipGlyphTone::normal);
                 return;
             }
             // Fitted, never enlarged beyond its own pixels, drawn at the screen's density.
@@ -218,8 +218,8 @@ void ClipPanelPreviewPane::paintPicture(QWidget* area) {
             return;
         }
         case Kind::link: {
-            panelglyph::kind(painter, QRectF(bounds.left(), bounds.top(), 56, 56),
-                             ClipRowGlyph::link, palette_, ClipGlyphTone::normal);
+            panelglyph::kind(painter, QRectF(bounds.left(), bounds.top(), 56, 56), ClipKind::link,
+                             palette_, ClipGlyphTone::normal);
             return;
         }
         case Kind::text:

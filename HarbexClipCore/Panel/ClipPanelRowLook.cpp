@@ -10,19 +10,6 @@ namespace {
 
 constexpr int kNumberedCopies = 9;
 
-ClipRowGlyph glyphOf(ClipKind kind) {
-    switch (kind) {
-        case ClipKind::text: return ClipRowGlyph::text;
-        case ClipKind::richText: return ClipRowGlyph::richText;
-        case ClipKind::link: return ClipRowGlyph::link;
-        case ClipKind::image: return ClipRowGlyph::image;
-        case ClipKind::file: return ClipRowGlyph::file;
-        case ClipKind::color: return ClipRowGlyph::colour;
-        case ClipKind::code: return ClipRowGlyph::code;
-    }
-    return ClipRowGlyph::text;
-}
-
 }  // namespace
 
 std::string_view hiddenTitle(const ClipItem& item) {
@@ -43,7 +30,7 @@ std::optional<RGBA> swatchColour(const ClipItem& item) {
 ClipPanelRowLook ClipPanelRowLook::of(const ClipItem& item, ClipPinState pin, ClipStackState stack,
                                       int number) {
     ClipPanelRowLook look;
-    look.glyph = glyphOf(item.kind);
+    look.glyph = item.kind;
     look.isHidden = item.isSensitive;
     look.isPinned = pin == ClipPinState::pinned;
     look.isStacked = stack == ClipStackState::stacked;

@@ -1,44 +1,24 @@
 #pragma once
 
-#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
 #include "HarbexClipCore/Panel/ClipPanelActions.hpp"
-#include "HarbexClipCore/Support/EnumNames.hpp"
 #include "HarbexClipCore/Text/ClipFilter.hpp"
 #include "HarbexClipCore/Text/RGBA.hpp"
 
 namespace harbex {
-
-// The mark a row draws for its copy's kind. Colours draw their own swatch instead, images their
-// thumbnail when there is one.
-enum class ClipRowGlyph { text, richText, link, image, file, colour, code };
-
-template <>
-struct EnumNames<ClipRowGlyph> {
-    static constexpr std::array values{
-        std::pair{ClipRowGlyph::text, std::string_view("text")},
-        std::pair{ClipRowGlyph::richText, std::string_view("richText")},
-        std::pair{ClipRowGlyph::link, std::string_view("link")},
-        std::pair{ClipRowGlyph::image, std::string_view("image")},
-        std::pair{ClipRowGlyph::file, std::string_view("file")},
-        std::pair{ClipRowGlyph::colour, std::string_view("colour")},
-        std::pair{ClipRowGlyph::code, std::string_view("code")},
-    };
-};
 
 // Everything one copy's row shows, worked out once so that painting only draws. A value.
 struct ClipPanelRowLook {
     static constexpr std::string_view kSensitiveHidden = "Sensitive, hidden";
     static constexpr std::string_view kOneTimeCodeHidden = "One-time code, hidden";
 
-    std::string title;     // one line; a sensitive copy's text never shows here
-    std::string subtitle;  // "Firefox · 42 characters"
-    ClipRowGlyph glyph = ClipRowGlyph::text;
+    std::string title;                     // one line; a sensitive copy's text never shows here
+    std::string subtitle;                  // "Firefox · 42 characters"
+    ClipKind glyph = ClipKind::text;       // the kind whose mark the row draws
     std::optional<RGBA> swatch;            // colour copies
     std::optional<std::string> thumbnail;  // an image copy's stored image name (its digest)
     std::optional<std::string> appID;      // for the source application's icon

@@ -22,26 +22,26 @@ ClipItem sensitive(std::vector<ClipDetail> details) {
 TEST(ClipPanelRowLookTests, EachKindGetsItsGlyphTitleAndSubtitle) {
     struct Case {
         ClipItem item;
-        ClipRowGlyph glyph;
+        ClipKind glyph;
         std::string title;
         std::string subtitle;
         bool swatch;
         bool thumbnail;
     };
     const Case cases[] = {
-        {textItem("hello\nworld", kNow), ClipRowGlyph::text, "hello", "Text Editor · 2 lines",
-         false, false},
-        {kindItem(ClipKind::richText, "bold words", kNow), ClipRowGlyph::richText, "bold words",
+        {textItem("hello\nworld", kNow), ClipKind::text, "hello", "Text Editor · 2 lines", false,
+         false},
+        {kindItem(ClipKind::richText, "bold words", kNow), ClipKind::richText, "bold words",
          "Firefox · 10 characters", false, false},
-        {kindItem(ClipKind::link, "https://www.example.com/a", kNow), ClipRowGlyph::link,
+        {kindItem(ClipKind::link, "https://www.example.com/a", kNow), ClipKind::link,
          "example.com/a", "Firefox · example.com", false, false},
-        {kindItem(ClipKind::image, "", kNow), ClipRowGlyph::image, "Image 640 × 480",
+        {kindItem(ClipKind::image, "", kNow), ClipKind::image, "Image 640 × 480",
          "Firefox · 120 KB", false, true},
-        {kindItem(ClipKind::file, "notes.txt", kNow), ClipRowGlyph::file, "notes.txt",
-         "Firefox · File", false, false},
-        {kindItem(ClipKind::color, "#5E5CE6", kNow), ClipRowGlyph::colour, "#5E5CE6",
-         "Firefox · Colour", true, false},
-        {kindItem(ClipKind::code, "int main() {}", kNow), ClipRowGlyph::code, "int main() {}",
+        {kindItem(ClipKind::file, "notes.txt", kNow), ClipKind::file, "notes.txt", "Firefox · File",
+         false, false},
+        {kindItem(ClipKind::color, "#5E5CE6", kNow), ClipKind::color, "#5E5CE6", "Firefox · Colour",
+         true, false},
+        {kindItem(ClipKind::code, "int main() {}", kNow), ClipKind::code, "int main() {}",
          "Firefox · 13 characters", false, false},
     };
     for (const Case& c : cases) {
