@@ -67,8 +67,10 @@ QSize LibraryItemDelegate::sizeHint(const QStyleOptionViewItem&, const QModelInd
     if (!model || model->isHeading(index.row())) return {width, kHeadingHeight};
     if (layout_ == Layout::grid) {
         // As many tiles as fit, widened to share the row's spare room.
-        const int columns = std::max(1, width / kTileSize.width());
-        return {width / columns, kTileSize.height()};
+        // The view puts the spacing between tiles as well, so each tile leaves room for it.
+        const int gap = 2 * view_.spacing() + 1;
+        const int columns = std::max(1, width / (kTileSize.width() + gap));
+        return {width / columns - gap, kTileSize.height()};
     }
     return {width, kRowHeight};
 }
