@@ -168,7 +168,7 @@ std::optional<std::string> AppDelegate::start(ClipCommand command) {
         perform(command);
     }
     if (window == LaunchWindow::welcome) showWelcome();
-    traceReadyWhenOpen();
+    whenHistoryOpens();
 
     // Saving before exit: the engine writes a queued save and waits for the store.
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
@@ -178,24 +178,25 @@ std::optional<std::string> AppDelegate::start(ClipCommand command) {
     return std::nullopt;
 }
 
-void AppDelegate::traceReadyWhenOpen() {
-    if (!ClipTimings::enabled()) return;
-    // Ready: the history is open and the loop has come back once, so the tray and any window
-    // of the start are up.
-    auto reportSoon = [this] {
+void AppDelegate::whenHistoryOpens() {
+    // Once the history is open and the loop has come back (the tray and any window of the start
+    // are up): that is "ready"; then the panel is built while idle, so that the first shortcut
+    // only has to show it.
+    auto afterOpen = [this] {
         QTimer::singleShot(0, this, [this] {
             if (!app_) return;
             ClipTimings::report("ready", ClipTimings::sinceProcessStart(),
                                 app_->engine().history().get().size());
+            QTimer::singleShot(0, this, [this] { preparePanel(); });
         });
     };
     if (app_->engine().isHistoryOpen().get()) {
-        reportSoon();
+        afterOpen();
         return;
     }
-    readyWatch_ = app_->engine().isHistoryOpen().subscribe([this, reportSoon](bool open) {
+    readyWatch_ = app_->engine().isHistoryOpen().subscribe([this, afterOpen](bool open) {
         if (!open) return;
-        reportSoon();
+        afterOpen();
         QTimer::singleShot(0, this, [this] { readyWatch_.cancel(); });
     });
 }
@@ -414,18 +415,22 @@ std::vector<std::pair<std::string, std::string>> AppDelegate::applications() {
     return result;
 }
 
+void AppDelegate::preparePanel() {
+    if (!app_ || panel_) return;
+    ClipEngine& engine = app_->engine();
+    panelModel_ = std::make_unique<ClipPanelModel>(
+        engine, [] { return Date::fromUnix(double(QDateTime::currentMSecsSinceEpoch()) / 1000); },
+        app_->schedule());
+    panel_ = std::make_unique<ClipPanel>(*panelModel_, app_->focus(),
+                                         [&engine] { return engine.settings().get(); });
+    connect(panel_.get(), &ClipPanel::settingsRequested, this, [this] { showSettings(); });
+    panel_->ensurePolished();
+    panel_->createWinId();
+}
+
 void AppDelegate::showPanel() {
     if (!app_) return;
-    if (!panel_) {
-        ClipEngine& engine = app_->engine();
-        panelModel_ = std::make_unique<ClipPanelModel>(
-            engine,
-            [] { return Date::fromUnix(double(QDateTime::currentMSecsSinceEpoch()) / 1000); },
-            app_->schedule());
-        panel_ = std::make_unique<ClipPanel>(*panelModel_, app_->focus(),
-                                             [&engine] { return engine.settings().get(); });
-        connect(panel_.get(), &ClipPanel::settingsRequested, this, [this] { showSettings(); });
-    }
+    preparePanel();
     if (panel_->isVisible()) {
         panel_->dismiss(ClipPanelFocus::Close::dismissed);
         return;

@@ -70,7 +70,8 @@ public:
 private:
     void startSampling();
     void openPanelFromShortcut();
-    void traceReadyWhenOpen();
+    void whenHistoryOpens();
+    void preparePanel();
     void buildTray();
     void refreshTray();
     void applySettings(const ClipSettings& settings);
