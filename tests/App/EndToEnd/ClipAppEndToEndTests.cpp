@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QImage>
 #include <QPainter>
+#include <QPushButton>
 
 #include <chrono>
 #include <filesystem>
@@ -286,6 +287,39 @@ TEST_F(ClipAppEndToEndTests, ReturnPastesTheChosenCopyIntoTheWindowThatWasInFron
         receiver.stop();
     }
     engine.shutdown();
+}
+
+TEST_F(ClipAppEndToEndTests, TheWelcomeShowsOnTheFirstUserStartOnly) {
+    const std::string usualConfig = std::getenv("XDG_CONFIG_HOME");
+    const fs::path config = root / "first-start-config";
+    ::setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+    struct Case {
+        const char* name;
+        ClipCommand command;
+        bool shows;
+    };
+    const Case cases[] = {
+        {"a login start waits for the user", ClipCommand::autostart, false},
+        {"the first start by the user", ClipCommand::open, true},
+        {"the next start by the user", ClipCommand::open, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        AppDelegate delegate;
+        ASSERT_EQ(delegate.start(c.command), std::nullopt);
+        ClipEngine& engine = delegate.app()->engine();
+        ASSERT_TRUE(waitUntil([&] { return engine.isHistoryOpen().get(); }));
+        ClipWelcome* welcome = delegate.welcomeWindow();
+        EXPECT_EQ(welcome && welcome->isVisible(), c.shows);
+        if (welcome) {
+            auto* close = welcome->findChild<QPushButton*>("welcomeClose");
+            ASSERT_NE(close, nullptr);
+            close->click();
+            EXPECT_TRUE(engine.settings()->welcomeFinished);
+        }
+        engine.shutdown();
+    }
+    ::setenv("XDG_CONFIG_HOME", usualConfig.c_str(), 1);
 }
 
 }  // namespace
