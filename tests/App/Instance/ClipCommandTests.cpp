@@ -38,31 +38,5 @@ TEST(ClipCommandTests, ArgumentsBecomeOneCommandOrAPlainRefusal) {
     }
 }
 
-TEST(ClipCommandTests, OnlyAUserStartOrARelaunchShowsTheLibraryAtLaunch) {
-    const Date now = Date::fromUnix(1'800'000'000);
-    struct Case {
-        const char* name;
-        ClipCommand command;
-        std::optional<Date> relaunch;
-        std::optional<bool> showAtLaunch;
-        bool shows;
-    };
-    const Case cases[] = {
-        {"login start stays silent", ClipCommand::autostart, std::nullopt, true, false},
-        {"login start stays silent even after a relaunch mark", ClipCommand::autostart, now + -5,
-         true, false},
-        {"user start with the default unset", ClipCommand::open, std::nullopt, std::nullopt, true},
-        {"user start with the default off", ClipCommand::open, std::nullopt, false, false},
-        {"self-relaunch wins over the default", ClipCommand::open, now + -5, false, true},
-        {"an old relaunch mark is ignored", ClipCommand::open, now + -3600, false, false},
-        {"a mark from the future is ignored", ClipCommand::open, now + 30, false, false},
-        {"a panel command opens its own window", ClipCommand::panel, std::nullopt, true, false},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(showsLibraryAtLaunch(c.command, c.relaunch, c.showAtLaunch, now), c.shows)
-            << c.name;
-    }
-}
-
 }  // namespace
 }  // namespace harbex

@@ -31,6 +31,8 @@ TEST(LaunchWindowTests, LoginStartsStaySilentAndTheFirstUserStartWelcomes) {
         {"later login start", ClipCommand::autostart, now + -5, true, true, LaunchWindow::none},
         {"self-relaunch", ClipCommand::open, now + -5, false, true, LaunchWindow::library},
         {"a stale relaunch mark", ClipCommand::open, now + -120, false, true, LaunchWindow::none},
+        {"a relaunch mark from the future", ClipCommand::open, now + 30, false, true,
+         LaunchWindow::none},
         {"a settings command opens its own window", ClipCommand::settings, std::nullopt, true, true,
          LaunchWindow::none},
     };
