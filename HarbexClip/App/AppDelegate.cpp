@@ -421,8 +421,26 @@ void AppDelegate::preparePanel() {
     panelModel_ = std::make_unique<ClipPanelModel>(
         engine, [] { return Date::fromUnix(double(QDateTime::currentMSecsSinceEpoch()) / 1000); },
         app_->schedule());
-    panel_ = std::make_unique<ClipPanel>(*panelModel_, app_->focus(),
-                                         [&engine] { return engine.settings().get(); });
+    ClipPanelServices services;
+    services.readThumbnail = [this](const std::string& name) -> std::optional<Bytes> {
+        auto bytes = app_->store().readThumbnail(name);
+        if (!bytes) return std::nullopt;
+        return std::move(*bytes);
+    };
+    services.readImage = [this](const std::string& name) -> std::optional<Bytes> {
+        auto bytes = app_->store().readImage(name);
+        if (!bytes) return std::nullopt;
+        return std::move(*bytes);
+    };
+    services.appIconName = [this](const std::string& id) -> std::optional<std::string> {
+        auto entry = app_->desktopEntries().byID(id);
+        if (!entry || entry->icon.empty()) return std::nullopt;
+        return entry->icon;
+    };
+    services.defaults = &app_->defaults();
+    panel_ = std::make_unique<ClipPanel>(
+        *panelModel_, app_->focus(), [&engine] { return engine.settings().get(); },
+        std::move(services));
     connect(panel_.get(), &ClipPanel::settingsRequested, this, [this] { showSettings(); });
     panel_->ensurePolished();
     panel_->createWinId();
