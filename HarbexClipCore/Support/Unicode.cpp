@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace harbex {
 
@@ -101,33 +102,37 @@ void appendUtf8(std::string& out, char32_t codePoint) {
 }
 
 std::size_t characterPrefixLength(std::string_view text, std::size_t count) {
-    // ASCII: one byte a character, except that CR LF is a single character. `count` characters
-    // take at most 2 * count bytes; one more settles the last boundary.
-    const std::size_t run =
-        safeAsciiRun(text, count < text.size() / 2 ? 2 * count + 2 : std::string_view::npos);
-    std::size_t i = 0;
+    // ASCII counts a byte a character (CR LF is one); only the stretches around other characters
+    // go through the break iterator. Between two ASCII bytes other than CR LF there is always a
+    // boundary, so the count can leave the iterator at any such place and come back to it.
+    const auto asciiAt = [&](std::size_t i) {
+        return i >= text.size() || isAscii(static_cast<unsigned char>(text[i]));
+    };
+    icu::BreakIterator* iterator = nullptr;
+    std::optional<Utf8Text> utext;
+    std::size_t i = 0;  // always a boundary
     std::size_t seen = 0;
-    while (i < run && seen < count) {
-        i += (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ? 2 : 1;
-        ++seen;
-    }
-    if (seen == count || i >= text.size()) return std::min(i, text.size());
-
-    icu::BreakIterator* iterator = threadIterator(false);
-    Utf8Text utext(text);
-    if (!iterator || !utext.text) return text.size();
-    UErrorCode status = U_ZERO_ERROR;
-    iterator->setText(utext.text, status);
-    // i is a boundary (it follows an ASCII character that is not a CR before LF).
-    int32_t position =
-        i == 0 ? iterator->first() : iterator->following(static_cast<int32_t>(i) - 1);
-    while (seen < count) {
-        const int32_t next = iterator->next();
+    while (seen < count && i < text.size()) {
+        if (asciiAt(i) && asciiAt(i + 1)) {
+            i += (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ? 2 : 1;
+            ++seen;
+            continue;
+        }
+        if (!iterator) {
+            iterator = threadIterator(false);
+            utext.emplace(text);
+            if (!iterator || !utext->text) return text.size();
+            UErrorCode status = U_ZERO_ERROR;
+            iterator->setText(utext->text, status);
+        }
+        const int32_t next = iterator->current() == static_cast<int32_t>(i)
+                                 ? iterator->next()
+                                 : iterator->following(static_cast<int32_t>(i));
         if (next == icu::BreakIterator::DONE) return text.size();
-        position = next;
+        i = static_cast<std::size_t>(next);
         ++seen;
     }
-    return static_cast<std::size_t>(position);
+    return std::min(i, text.size());
 }
 
 std::string_view characterPrefix(std::string_view text, std::size_t count) {

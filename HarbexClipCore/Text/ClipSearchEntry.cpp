@@ -1,6 +1,7 @@
 #include "HarbexClipCore/Text/ClipSearchEntry.hpp"
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
+#include "HarbexClipCore/Support/Unicode.hpp"
 
 namespace harbex {
 
@@ -10,7 +11,7 @@ std::string_view searchedPrefix(const std::string& text) {
     // A character takes at least one byte, so a short text needs no counting.
     if (text.size() <= ClipSearchEntry::kSearchedCharacters) return text;
     return std::string_view(text).substr(
-        0, FoldedText::characterPrefixLength(text, ClipSearchEntry::kSearchedCharacters));
+        0, characterPrefixLength(text, ClipSearchEntry::kSearchedCharacters));
 }
 
 void appendPiece(std::string& body, std::string_view piece) {

@@ -407,33 +407,6 @@ FoldedText FoldedText::slice(std::size_t offset, std::size_t length) const {
     return builder.finish();
 }
 
-std::size_t FoldedText::characterPrefixLength(std::string_view text, std::size_t count) {
-    std::size_t remaining = count;
-    std::size_t length = 0;
-    forEachPiece(
-        text,
-        [&](std::string_view run) {
-            std::size_t i = 0;
-            while (i < run.size() && remaining > 0) {
-                i += (run[i] == '\r' && i + 1 < run.size() && run[i + 1] == '\n') ? 2 : 1;
-                --remaining;
-            }
-            length += i;
-            return remaining > 0;
-        },
-        [&](std::string_view other) {
-            const auto characters = static_cast<std::size_t>(characterCount(other));
-            if (characters <= remaining) {
-                length += other.size();
-                remaining -= characters;
-                return remaining > 0;
-            }
-            length += harbex::characterPrefixLength(other, remaining);
-            return false;
-        });
-    return length;
-}
-
 std::size_t FoldedText::heapBytes() const {
     // Short strings live inside the object.
     return bytes_.capacity() > 15 ? bytes_.capacity() + 1 : 0;

@@ -34,11 +34,6 @@ public:
     // character of several code points takes a process-wide lock the first time it is seen.
     static FoldedText fold(std::string_view text, FoldingPath path = FoldingPath::fast);
 
-    // The byte length of the first `count` characters of `text`, as `characterPrefixLength` in
-    // Support/Unicode gives it, with only the stretches around non-ASCII characters going through
-    // ICU. Thread: any.
-    static std::size_t characterPrefixLength(std::string_view text, std::size_t count);
-
     // The characters in [offset, offset + length) of the bytes, which must start and end at
     // character boundaries.
     FoldedText slice(std::size_t offset, std::size_t length) const;

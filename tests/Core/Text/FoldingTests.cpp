@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
+#include <unicode/brkiter.h>
+#include <unicode/utext.h>
 
+#include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -121,11 +125,29 @@ TEST(FoldingTests, CharacterPrefixMatchesTheGraphemeCount) {
         "e\xCC\x81t\xCC\x81"
         "e\xCC\x81 marks",
         "\xFF bad \xC3 bytes",
+        "a\r\n\xC3\xA9\r\nb\r",           // CR LF beside a non-ASCII character
+        "x\xCC\x81\xCC\x81y then plain",  // two marks on an ASCII letter
+        "\xCC\x81starts with a mark",
+        "ascii run, then \xE6\x9D\xB1, then ascii",  // back to ASCII after one character
     };
     for (const std::string& text : texts) {
+        // Every boundary from the break iterator run over the whole text, one at a time.
+        std::vector<std::size_t> boundaries = {0};
+        UErrorCode status = U_ZERO_ERROR;
+        UText* utext =
+            utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status);
+        std::unique_ptr<icu::BreakIterator> iterator(
+            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+        ASSERT_TRUE(U_SUCCESS(status));
+        iterator->setText(utext, status);
+        iterator->first();
+        for (int32_t at = iterator->next(); at != icu::BreakIterator::DONE; at = iterator->next()) {
+            boundaries.push_back(static_cast<std::size_t>(at));
+        }
+        utext_close(utext);
         for (std::size_t count = 0; count <= 40; ++count) {
-            EXPECT_EQ(FoldedText::characterPrefixLength(text, count),
-                      characterPrefixLength(text, count))
+            EXPECT_EQ(characterPrefixLength(text, count),
+                      boundaries[std::min(count, boundaries.size() - 1)])
                 << text << " / " << count;
         }
     }
