@@ -12,19 +12,12 @@
 #include "HarbexClip/Views/LibrarySidebar.hpp"
 #include "HarbexClip/Views/LibraryWindow.hpp"
 #include "tests/Core/Engine/EngineRig.hpp"
+#include "tests/Support/OffscreenApplication.hpp"
 
 namespace harbex::librarywindowtest {
 
 // One offscreen QApplication for every library test program.
-inline void ensureApplication() {
-    static int argc = 3;
-    static char name[] = "AppLibraryTests";
-    static char platform[] = "-platform";
-    static char offscreen[] = "offscreen";
-    static char* argv[] = {name, platform, offscreen, nullptr};
-    static QApplication* application = new QApplication(argc, argv);
-    (void)application;
-}
+inline void ensureApplication() { harbex::testing::offscreenApplication(); }
 
 inline LibraryWindowServices servicesFor(testing::EngineRig& rig) {
     return LibraryWindowServices{

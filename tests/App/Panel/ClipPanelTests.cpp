@@ -22,6 +22,8 @@
 #include "HarbexClipCore/Testing/RecordingActivator.hpp"
 #include "tests/Core/Panel/PanelTestSupport.hpp"
 
+#include "tests/Support/OffscreenApplication.hpp"
+
 namespace harbex {
 namespace {
 
@@ -92,15 +94,7 @@ ClipContent text(std::string body, ClipKind kind = ClipKind::text) {
 
 class ClipPanelTests : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 3;
-        static char name[] = "AppPanelTests";
-        static char platform[] = "-platform";
-        static char offscreen[] = "offscreen";
-        static char* argv[] = {name, platform, offscreen, nullptr};
-        application = new QApplication(argc, argv);
-    }
-    static void TearDownTestSuite() { delete application; }
+    static void SetUpTestSuite() { testing::offscreenApplication(); }
 
     ClipPanelTests() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
 
@@ -257,7 +251,6 @@ protected:
         return path;
     }
 
-    static inline QApplication* application = nullptr;
     FixedClock clock;
     ManualScheduler scheduler;
     MemoryClipEngine engine;

@@ -10,6 +10,8 @@
 #include "HarbexClipCore/Testing/MemoryDefaults.hpp"
 #include "tests/Core/Store/StoreTestSupport.hpp"
 
+#include "tests/Support/OffscreenApplication.hpp"
+
 namespace harbex {
 namespace {
 
@@ -17,18 +19,7 @@ namespace fs = std::filesystem;
 
 class SettingsWindowTests : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 3;
-        static char name[] = "AppSettingsTests";
-        static char platform[] = "-platform";
-        static char offscreen[] = "offscreen";
-        static char* argv[] = {name, platform, offscreen, nullptr};
-        if (!QApplication::instance()) application = new QApplication(argc, argv);
-    }
-    static void TearDownTestSuite() {
-        delete application;
-        application = nullptr;
-    }
+    static void SetUpTestSuite() { testing::offscreenApplication(); }
 
     SettingsWindowServices services(const fs::path& folder) {
         return SettingsWindowServices{
@@ -51,7 +42,6 @@ protected:
         std::ofstream(path, std::ios::binary) << std::string(size, 'x');
     }
 
-    static inline QApplication* application = nullptr;
     Observable<ClipSettings> settings;
     Observable<std::vector<Pinboard>> pinboards;
     MemoryDefaults defaults;

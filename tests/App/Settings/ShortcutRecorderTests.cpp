@@ -7,6 +7,8 @@
 
 #include "HarbexClip/Views/QtKeyMapping.hpp"
 
+#include "tests/Support/OffscreenApplication.hpp"
+
 namespace harbex {
 namespace {
 
@@ -47,22 +49,12 @@ TEST(QtKeyMappingTests, KeyPressesBecomeTheStoredKeyCodesAndModifiers) {
 
 class ShortcutRecorderTests : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 3;
-        static char name[] = "AppSettingsTests";
-        static char platform[] = "-platform";
-        static char offscreen[] = "offscreen";
-        static char* argv[] = {name, platform, offscreen, nullptr};
-        application = new QApplication(argc, argv);
-    }
-    static void TearDownTestSuite() { delete application; }
+    static void SetUpTestSuite() { testing::offscreenApplication(); }
 
     static void press(QWidget& widget, int key, Qt::KeyboardModifiers modifiers) {
         QKeyEvent event(QEvent::KeyPress, key, modifiers);
         QApplication::sendEvent(&widget, &event);
     }
-
-    static inline QApplication* application = nullptr;
 };
 
 TEST_F(ShortcutRecorderTests, PressesAreCheckedAgainstTheOtherSlotsInLinuxWords) {

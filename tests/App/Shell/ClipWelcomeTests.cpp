@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include "tests/Support/OffscreenApplication.hpp"
+
 namespace harbex {
 namespace {
 
@@ -80,16 +82,7 @@ TEST(ClipWelcomeTests, PausingNamesThePauseShortcutAndPasswordManagersWhenSet) {
 
 class ClipWelcomeWindowTests : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 3;
-        static char name[] = "AppShellTests";
-        static char platform[] = "-platform";
-        static char offscreen[] = "offscreen";
-        static char* argv[] = {name, platform, offscreen, nullptr};
-        application = new QApplication(argc, argv);
-    }
-    static void TearDownTestSuite() { delete application; }
-    static inline QApplication* application = nullptr;
+    static void SetUpTestSuite() { testing::offscreenApplication(); }
 };
 
 TEST_F(ClipWelcomeWindowTests, EveryWayOutFinishesOnceAndOnlySettingsAsksForSettings) {
