@@ -15,23 +15,11 @@ using paneltest::textItem;
 using Effect = ClipPanelModel::Effect;
 using K = ClipPanelKey::Kind;
 
-const ClipTargetApp kEditor{4242, "org.gnome.TextEditor", "Text Editor"};
+using paneltest::kEditor;
 
 // What the model tells the view beyond its rows: each row's look, the preview, the hints.
-class ClipPanelModelLookTests : public ::testing::Test {
+class ClipPanelModelLookTests : public paneltest::PanelModelFixture {
 protected:
-    ClipPanelModelLookTests() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
-
-    void start(std::vector<ClipItem> items) {
-        engine.setItems(std::move(items));
-        ClipPanelModel::Options options;
-        options.calendar = paneltest::london();
-        options.locale = "en_GB";
-        model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),
-                                                 scheduleFunction(scheduler), options);
-        model->open(kEditor);
-    }
-
     void changeSettings(const std::function<void(ClipSettings&)>& change) {
         ClipSettings settings = engine.settings().get();
         change(settings);
@@ -43,11 +31,6 @@ protected:
         for (const auto& hint : model->hints()) out.push_back(hint.key + " " + hint.label);
         return out;
     }
-
-    FixedClock clock;
-    ManualScheduler scheduler;
-    MemoryClipEngine engine;
-    std::unique_ptr<ClipPanelModel> model;
 };
 
 TEST_F(ClipPanelModelLookTests, NumbersCountCopiesNotHeadersAndMarksFollowTheModel) {

@@ -15,22 +15,10 @@ using paneltest::textItem;
 using Effect = ClipPanelModel::Effect;
 using K = ClipPanelKey::Kind;
 
-const ClipTargetApp kEditor{4242, "org.gnome.TextEditor", "Text Editor"};
+using paneltest::kEditor;
 
-class ClipPanelModelTests : public ::testing::Test {
+class ClipPanelModelTests : public paneltest::PanelModelFixture {
 protected:
-    ClipPanelModelTests() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
-
-    void start(std::vector<ClipItem> items) {
-        engine.setItems(std::move(items));
-        ClipPanelModel::Options options;
-        options.calendar = paneltest::london();
-        options.locale = "en_GB";
-        model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),
-                                                 scheduleFunction(scheduler), options);
-        model->open(kEditor);
-    }
-
     std::string pasteboardText() {
         const auto bytes = engine.pasteboard.contents("public.utf8-plain-text");
         return bytes ? std::string(bytes->begin(), bytes->end()) : std::string();
@@ -49,11 +37,6 @@ protected:
         const ClipItem* item = model->selectedItem();
         return item ? item->title() : "";
     }
-
-    FixedClock clock;
-    ManualScheduler scheduler;
-    MemoryClipEngine engine;
-    std::unique_ptr<ClipPanelModel> model;
 };
 
 TEST_F(ClipPanelModelTests, OpenTypeMoveAndPasteTypesIntoTheTarget) {

@@ -3,9 +3,17 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include <memory>
+
 #include "HarbexClipCore/Model/ClipItem.hpp"
+#include "HarbexClipCore/Panel/ClipPanelModel.hpp"
 #include "HarbexClipCore/Support/Calendar.hpp"
 #include "HarbexClipCore/Support/Date.hpp"
+#include "HarbexClipCore/Testing/FixedClock.hpp"
+#include "HarbexClipCore/Testing/ManualScheduler.hpp"
+#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 
 namespace harbex::paneltest {
 
@@ -44,5 +52,28 @@ inline ClipItem kindItem(ClipKind kind, std::string text, Date date) {
     return ClipItem::make(content, {}, ClipSource{"firefox", "Firefox"}, date,
                           ClipSensitivity::ordinary);
 }
+
+inline const ClipTargetApp kEditor{4242, "org.gnome.TextEditor", "Text Editor"};
+
+// A panel model over an in-memory engine at a fixed time, opened for the text editor.
+class PanelModelFixture : public ::testing::Test {
+protected:
+    PanelModelFixture() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
+
+    void start(std::vector<ClipItem> items) {
+        engine.setItems(std::move(items));
+        ClipPanelModel::Options options;
+        options.calendar = london();
+        options.locale = "en_GB";
+        model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),
+                                                 scheduleFunction(scheduler), options);
+        model->open(kEditor);
+    }
+
+    FixedClock clock;
+    ManualScheduler scheduler;
+    MemoryClipEngine engine;
+    std::unique_ptr<ClipPanelModel> model;
+};
 
 }  // namespace harbex::paneltest
