@@ -147,10 +147,13 @@ TEST(ClipStoreSaveQueueTests, AFailedWriteGoesToTheHandlerAndTheNextSnapshotIsSt
     const ClipLibrary kept = textLibrary(1, "kept");
     store.save(kept);
     store.waitForSaves();
-    std::lock_guard guard(mutex);
-    ASSERT_EQ(failures.size(), 1u);
-    ASSERT_TRUE(failures[0].fileError());
-    EXPECT_EQ(failures[0].fileError()->code, ENOSPC);
+    {
+        // Not held across load(): the store calls the writer above under its document lock.
+        std::lock_guard guard(mutex);
+        ASSERT_EQ(failures.size(), 1u);
+        ASSERT_TRUE(failures[0].fileError());
+        EXPECT_EQ(failures[0].fileError()->code, ENOSPC);
+    }
     EXPECT_EQ(store.load(), kept);
 }
 
