@@ -8,6 +8,7 @@
 #include "HarbexClipCore/Support/Date.hpp"
 #include "HarbexClipCore/Support/Uuid.hpp"
 #include "HarbexClipCore/Text/BytePairSet.hpp"
+#include "HarbexClipCore/Text/ClipSearchScore.hpp"
 #include "HarbexClipCore/Text/FoldedText.hpp"
 
 namespace harbex {
@@ -37,6 +38,11 @@ struct ClipSearchEntry {
     // Thread: any. Cost grows with the texts (at most 20,000 characters each of text and
     // recognised text).
     static ClipSearchEntry make(const ClipItem& item);
+
+    // What the search reads; valid while the entry is unchanged.
+    ClipSearchFields fields() const {
+        return {title.view(), appName.view(), body.view(), bodyPairs.table()};
+    }
 
     // Bytes held on the heap beyond the entry itself.
     std::size_t heapBytes() const;

@@ -72,25 +72,19 @@ void sortByScoreKeepingOrder(std::vector<Match>& matches) {
 
 void ClipSearchIndex::changed() {
     recent_.clear();
-    headsAreCurrent_ = false;
+    orderIsCurrent_ = false;
 }
 
-const std::vector<ClipSearchIndex::ScanHead>& ClipSearchIndex::heads() {
-    if (headsAreCurrent_) return heads_;
-    std::vector<std::uint32_t> order(entries_.size());
-    for (std::size_t i = 0; i < entries_.size(); ++i) order[i] = static_cast<std::uint32_t>(i);
-    std::sort(order.begin(), order.end(), [this](std::uint32_t a, std::uint32_t b) {
-        if (entries_[a].date != entries_[b].date) return entries_[a].date > entries_[b].date;
-        return entries_[a].id < entries_[b].id;
+const std::vector<std::uint32_t>& ClipSearchIndex::order() {
+    if (orderIsCurrent_) return order_;
+    order_.resize(records_.size());
+    for (std::size_t i = 0; i < records_.size(); ++i) order_[i] = static_cast<std::uint32_t>(i);
+    std::sort(order_.begin(), order_.end(), [this](std::uint32_t a, std::uint32_t b) {
+        if (records_[a].date != records_[b].date) return records_[a].date > records_[b].date;
+        return records_[a].id < records_[b].id;
     });
-    heads_.resize(order.size());
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        const ClipSearchEntry& entry = entries_[order[i]];
-        heads_[i] = {entry.title.characterMask(), entry.appName.characterMask(),
-                     entry.body.characterMask(), order[i], entry.kind};
-    }
-    headsAreCurrent_ = true;
-    return heads_;
+    orderIsCurrent_ = true;
+    return order_;
 }
 
 std::size_t ClipSearchIndex::rememberedSize() const {
@@ -101,48 +95,156 @@ std::size_t ClipSearchIndex::rememberedSize() const {
     return total;
 }
 
-void ClipSearchIndex::rebuild(const std::vector<ClipItem>& items) {
+ClipSearchFields ClipSearchIndex::fields(const Record& record) const {
+    const char* at = texts_.data() + record.textsAt;
+    ClipSearchFields out;
+    if (record.hasPairs) {
+        out.bodyPairs = reinterpret_cast<const unsigned char*>(at);
+        at += BytePairSet::kTableBytes;
+    }
+    out.title = {{at, record.titleSize}, record.titleMask};
+    at += record.titleSize;
+    out.appName = {{at, record.appNameSize}, record.appNameMask};
+    at += record.appNameSize;
+    out.body = {{at, record.bodySize}, record.bodyMask};
+    return out;
+}
+
+std::uint32_t ClipSearchIndex::appNumber(const std::optional<std::string>& appID) {
+    if (!appID) return 0;
+    const auto [found, added] =
+        appNumbers_.try_emplace(*appID, static_cast<std::uint32_t>(appIDs_.size() + 1));
+    if (added) appIDs_.push_back(*appID);
+    return found->second;
+}
+
+ClipSearchIndex::Record ClipSearchIndex::store(const ClipSearchEntry& entry) {
+    Record record;
+    record.id = entry.id;
+    record.date = entry.date;
+    record.kind = entry.kind;
+    record.app = appNumber(entry.appID);
+    record.textsAt = texts_.size();
+    record.hasPairs = !entry.bodyPairs.empty();
+    if (record.hasPairs) {
+        texts_.append(reinterpret_cast<const char*>(entry.bodyPairs.table()),
+                      BytePairSet::kTableBytes);
+    }
+    const auto append = [this](const FoldedText& text, std::uint32_t& size, std::uint64_t& mask) {
+        texts_ += text.bytes();
+        size = static_cast<std::uint32_t>(text.bytes().size());
+        mask = text.characterMask();
+    };
+    append(entry.title, record.titleSize, record.titleMask);
+    append(entry.appName, record.appNameSize, record.appNameMask);
+    append(entry.body, record.bodySize, record.bodyMask);
+    return record;
+}
+
+namespace {
+
+std::size_t textsSize(const auto& record) {
+    return (record.hasPairs ? BytePairSet::kTableBytes : 0) + record.titleSize +
+           record.appNameSize + record.bodySize;
+}
+
+}  // namespace
+
+void ClipSearchIndex::compact() {
+    const std::vector<std::uint32_t>& newestFirst = order();
+    std::string texts;
+    texts.reserve(texts_.size() - deadBytes_);
+    std::vector<Record> records;
+    records.reserve(records_.size());
+    for (const std::uint32_t place : newestFirst) {
+        Record record = records_[place];
+        texts.append(texts_, record.textsAt, textsSize(record));
+        record.textsAt = texts.size() - textsSize(record);
+        records.push_back(record);
+    }
+    texts_ = std::move(texts);
+    records_ = std::move(records);
+    deadBytes_ = 0;
+    for (std::size_t i = 0; i < records_.size(); ++i) positions_[records_[i].id] = i;
     changed();
-    entries_.clear();
-    positions_.clear();
-    entries_.reserve(items.size());
+}
+
+void ClipSearchIndex::rebuild(const std::vector<ClipItem>& items) {
+    clear();
+    // In the order searches visit copies, so that a search reads the block front to back (new
+    // copies, added at the end, are few).
+    std::vector<const ClipItem*> newestFirst;
+    newestFirst.reserve(items.size());
+    for (const ClipItem& item : items) newestFirst.push_back(&item);
+    std::sort(newestFirst.begin(), newestFirst.end(), [](const ClipItem* a, const ClipItem* b) {
+        if (a->date != b->date) return a->date > b->date;
+        return a->id < b->id;
+    });
+    records_.reserve(items.size());
     positions_.reserve(items.size());
-    for (const ClipItem& item : items) put(item);
+    for (const ClipItem* item : newestFirst) put(*item);
+    // Growing doubles the block; what is kept should be no larger than the texts.
+    texts_.shrink_to_fit();
 }
 
 void ClipSearchIndex::put(const ClipItem& item) {
     changed();
+    const ClipSearchEntry entry = ClipSearchEntry::make(item);
     if (auto found = positions_.find(item.id); found != positions_.end()) {
-        entries_[found->second] = ClipSearchEntry::make(item);
-        return;
+        Record& record = records_[found->second];
+        deadBytes_ += textsSize(record);
+        record = store(entry);
+    } else {
+        positions_.emplace(item.id, records_.size());
+        records_.push_back(store(entry));
     }
-    positions_.emplace(item.id, entries_.size());
-    entries_.push_back(ClipSearchEntry::make(item));
+    // Replaced texts stay in the block until they are a good part of it.
+    if (deadBytes_ > (1u << 20) && deadBytes_ > texts_.size() / 4) compact();
 }
 
 void ClipSearchIndex::remove(const Uuid& id) {
     const auto found = positions_.find(id);
     if (found == positions_.end()) return;
     changed();
-    // Order does not matter here (results are sorted), so the last entry fills the hole.
+    // Order does not matter here (the search visits records by date), so the last record fills
+    // the hole.
     const std::size_t position = found->second;
     positions_.erase(found);
-    if (position + 1 != entries_.size()) {
-        entries_[position] = std::move(entries_.back());
-        positions_[entries_[position].id] = position;
+    deadBytes_ += textsSize(records_[position]);
+    if (position + 1 != records_.size()) {
+        records_[position] = records_.back();
+        positions_[records_[position].id] = position;
     }
-    entries_.pop_back();
+    records_.pop_back();
+    if (deadBytes_ > (1u << 20) && deadBytes_ > texts_.size() / 4) compact();
 }
 
 void ClipSearchIndex::clear() {
     changed();
-    entries_.clear();
+    records_.clear();
     positions_.clear();
+    texts_.clear();
+    texts_.shrink_to_fit();
+    deadBytes_ = 0;
+    appIDs_.clear();
+    appNumbers_.clear();
 }
 
-const ClipSearchEntry* ClipSearchIndex::entry(const Uuid& id) const {
+std::optional<ClipSearchEntry> ClipSearchIndex::entry(const Uuid& id) const {
     const auto found = positions_.find(id);
-    return found == positions_.end() ? nullptr : &entries_[found->second];
+    if (found == positions_.end()) return std::nullopt;
+    const Record& record = records_[found->second];
+    const ClipSearchFields texts = fields(record);
+    ClipSearchEntry out;
+    out.id = record.id;
+    out.date = record.date;
+    out.kind = record.kind;
+    out.title = FoldedText(texts.title);
+    out.appName = FoldedText(texts.appName);
+    out.body = FoldedText(texts.body);
+    out.bodyPairs = BytePairSet::of(out.body.bytes());
+    if (record.app != 0) out.appID = appIDs_[record.app - 1];
+    return out;
 }
 
 ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
@@ -154,7 +256,7 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
     if (match.timeWord) outcome.range = dateRange(*match.timeWord, now, calendar);
     const ClipSearchQuery query = ClipSearchQuery::make(match.rest);
     std::vector<std::string> words = wordTexts(query);
-    const std::vector<ScanHead>& scan = heads();
+    const std::vector<std::uint32_t>& scan = order();
     const std::size_t wordCount = query.words.size();
 
     // Drop the remembered queries this one does not narrow (an edit, a filter switch), so that
@@ -171,7 +273,7 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
 
     struct Match {
         std::int64_t score;
-        std::uint32_t head;
+        std::uint32_t place;  // in `scan`
     };
     std::vector<Match> found;
     const bool seenBefore = !recent_.empty() && recent_.back().words == words;
@@ -196,48 +298,46 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
         }
 
         const std::size_t count = narrowed ? narrowed->matches.size() : scan.size();
-        const auto headAt = [&](std::size_t c) -> std::uint32_t {
+        const auto placeAt = [&](std::size_t c) -> std::uint32_t {
             return narrowed ? narrowed->matches[c] : static_cast<std::uint32_t>(c);
         };
         found.reserve(count);
         std::vector<std::int32_t> wordScores;
         wordScores.reserve(count * wordCount);
         std::vector<std::int32_t> row(wordCount);
-        // How far ahead the texts are asked for: an entry's texts are far apart in memory, and
-        // waiting for each in turn costs more than scoring it.
-        constexpr std::size_t kAhead = 8;
+        // The application filter compares numbers; a bundle identifier no copy has matches none.
+        std::optional<std::uint32_t> app;
+        if (request.appID) {
+            const auto known = appNumbers_.find(*request.appID);
+            app = known == appNumbers_.end() ? ~std::uint32_t{0} : known->second;
+        }
+        // How far ahead the next texts are asked for, where the records jump in the block.
+        constexpr std::size_t kAhead = 4;
         for (std::size_t c = 0; c < count; ++c) {
-            if (c + 2 * kAhead < count) {
-                __builtin_prefetch(&entries_[scan[headAt(c + 2 * kAhead)].position].body);
-            }
             if (c + kAhead < count) {
-                const ClipSearchEntry& ahead = entries_[scan[headAt(c + kAhead)].position];
-                __builtin_prefetch(ahead.title.bytes().data());
-                __builtin_prefetch(ahead.body.bytes().data());
+                __builtin_prefetch(texts_.data() + records_[scan[placeAt(c + kAhead)]].textsAt);
             }
-            const std::uint32_t at = headAt(c);
-            const ScanHead& head = scan[at];
+            const std::uint32_t at = placeAt(c);
+            const Record& record = records_[scan[at]];
             ClipPinState pin = ClipPinState::unpinned;
-            if (request.filter == ClipFilter::pinned &&
-                pinned.contains(entries_[head.position].id)) {
+            if (request.filter == ClipFilter::pinned && pinned.contains(record.id)) {
                 pin = ClipPinState::pinned;
             }
-            if (!admits(request.filter, head.kind, pin)) continue;
-            const ClipSearchEntry& entry = entries_[head.position];
-            if (request.appID && entry.appID != request.appID) continue;
-            if (outcome.range && !outcome.range->contains(entry.date)) continue;
+            if (!admits(request.filter, record.kind, pin)) continue;
+            if (app && record.app != *app) continue;
+            if (outcome.range && !outcome.range->contains(record.date)) continue;
             std::int64_t total = 0;
             bool matched = true;
             for (std::size_t w = 0; w < wordCount && matched; ++w) {
                 if (unchanged[w]) {
                     row[w] = narrowed->wordScores[c * knownWidth + w];
-                } else if (const std::uint64_t need = masks[w]; (need & ~head.titleMask) != 0 &&
-                                                                (need & ~head.appNameMask) != 0 &&
-                                                                (need & ~head.bodyMask) != 0) {
+                } else if (const std::uint64_t need = masks[w]; (need & ~record.titleMask) != 0 &&
+                                                                (need & ~record.appNameMask) != 0 &&
+                                                                (need & ~record.bodyMask) != 0) {
                     // No text holds all of the word's characters.
                     matched = false;
                 } else if (const std::optional<int> score =
-                               weightedWordScore(query.words[w], entry)) {
+                               weightedWordScore(query.words[w], fields(record))) {
                     row[w] = *score;
                 } else {
                     matched = false;
@@ -250,7 +350,7 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
         }
 
         std::vector<std::uint32_t> matches(found.size());
-        for (std::size_t i = 0; i < found.size(); ++i) matches[i] = found[i].head;
+        for (std::size_t i = 0; i < found.size(); ++i) matches[i] = found[i].place;
         recent_.push_back({std::move(words), request.filter, request.appID, outcome.range,
                            std::move(matches), std::move(wordScores)});
         // The shortest queries match the most; past a few times the history's size they are
@@ -264,15 +364,21 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
     sortByScoreKeepingOrder(found);
     outcome.results.reserve(found.size());
     for (const Match& m : found) {
-        const ClipSearchEntry& entry = entries_[scan[m.head].position];
-        outcome.results.push_back({entry.id, m.score, entry.date});
+        const Record& record = records_[scan[m.place]];
+        outcome.results.push_back({record.id, m.score, record.date});
     }
     return outcome;
 }
 
 std::size_t ClipSearchIndex::textBytes() const {
-    std::size_t total = entries_.size() * sizeof(ScanHead);
-    for (const ClipSearchEntry& entry : entries_) total += sizeof(entry) + entry.heapBytes();
+    // A node of the lookup by id holds its link, the pair and the cached hash.
+    constexpr std::size_t kNodeBytes =
+        sizeof(void*) + sizeof(std::pair<const Uuid, std::size_t>) + sizeof(std::size_t);
+    // The block grows by doubling, but only the bytes written to it are ever touched.
+    std::size_t total = texts_.size() + records_.capacity() * sizeof(Record) +
+                        order_.capacity() * sizeof(std::uint32_t) + positions_.size() * kNodeBytes +
+                        positions_.bucket_count() * sizeof(void*);
+    for (const std::string& appID : appIDs_) total += sizeof(appID) + appID.capacity();
     return total;
 }
 

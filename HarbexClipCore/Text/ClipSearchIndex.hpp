@@ -61,8 +61,9 @@ public:
     void remove(const Uuid& id);
     void clear();
 
-    std::size_t size() const { return entries_.size(); }
-    const ClipSearchEntry* entry(const Uuid& id) const;
+    std::size_t size() const { return records_.size(); }
+    // The entry with this id as it was made, or nothing.
+    std::optional<ClipSearchEntry> entry(const Uuid& id) const;
 
     // The copies that match `request` at `now`. `pinned` holds the ids the `pinned` filter
     // takes (pinned copies and those on pinboards; see `pinnedOrOnPinboard`). The calendar
@@ -77,19 +78,28 @@ public:
     // How many earlier queries are kept for going back to (for tests and measuring).
     std::size_t rememberedQueries() const { return recent_.size(); }
 
-    // Heap bytes the entries take once searched: their texts and the per-entry summary the
-    // search reads first. For measuring.
+    // Heap bytes the entries take once searched: their texts, the per-copy records and the
+    // lookup by id. For measuring.
     std::size_t textBytes() const;
 
 private:
-    // What the search reads of every copy before anything else, packed so that a copy none of
-    // whose texts holds all of a word's characters is passed over without touching its texts.
-    struct ScanHead {
+    // What the search knows of one copy. Its folded texts sit together in `texts_`, at
+    // `textsAt`: the body's pair table when it has one, then the title, the application name and
+    // the body. Reading them there, mostly in the order the search visits copies, streams
+    // through memory instead of waiting for a separate allocation per text.
+    struct Record {
+        Uuid id;
+        Date date;
+        std::uint64_t textsAt = 0;
         std::uint64_t titleMask = 0;
         std::uint64_t appNameMask = 0;
         std::uint64_t bodyMask = 0;
-        std::uint32_t position = 0;  // in `entries_`
+        std::uint32_t titleSize = 0;
+        std::uint32_t appNameSize = 0;
+        std::uint32_t bodySize = 0;
+        std::uint32_t app = 0;  // 1 + the place of its bundle identifier in `appIDs_`; 0 for none
         ClipKind kind = ClipKind::text;
+        bool hasPairs = false;
     };
 
     // One query's matches, kept for narrowing it further or going back to it.
@@ -98,22 +108,34 @@ private:
         ClipFilter filter = ClipFilter::all;
         std::optional<std::string> appID;
         std::optional<ClipDateRange> range;
-        std::vector<std::uint32_t> matches;  // places in `heads_`, newest first
+        std::vector<std::uint32_t> matches;  // places in `order_`, newest first
         // Each match's weighted score for each word, a row per match: a word that is the same
         // as before need not be scored again.
         std::vector<std::int32_t> wordScores;
     };
 
     void changed();
-    const std::vector<ScanHead>& heads();
+    const std::vector<std::uint32_t>& order();
     std::size_t rememberedSize() const;
+    ClipSearchFields fields(const Record& record) const;
+    std::uint32_t appNumber(const std::optional<std::string>& appID);
+    // Appends the entry's texts to `texts_` and returns its record.
+    Record store(const ClipSearchEntry& entry);
+    // Lays `texts_` out again without the texts of replaced and removed copies, newest first.
+    void compact();
 
-    std::vector<ClipSearchEntry> entries_;
+    // In no particular order; `positions_` finds a copy's record.
+    std::vector<Record> records_;
     std::unordered_map<Uuid, std::size_t> positions_;
-    // One per entry, newest first (ties by id); made again after a change. Scoring in this
-    // order leaves only the scores to sort.
-    std::vector<ScanHead> heads_;
-    bool headsAreCurrent_ = false;
+    std::string texts_;
+    // Bytes of `texts_` that no record uses any more.
+    std::size_t deadBytes_ = 0;
+    std::vector<std::string> appIDs_;
+    std::unordered_map<std::string, std::uint32_t> appNumbers_;
+    // Places in `records_`, newest first (ties by id); made again after a change. Scoring in
+    // this order leaves only the scores to sort.
+    std::vector<std::uint32_t> order_;
+    bool orderIsCurrent_ = false;
     // Queries searched since the last change, each narrowing the one below it: the bottom one
     // is the shortest.
     std::vector<RememberedQuery> recent_;

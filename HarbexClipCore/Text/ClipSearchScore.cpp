@@ -122,7 +122,7 @@ std::optional<int> scatteredTokens(const std::vector<std::uint32_t>& word, std::
 }
 
 // The scattered match, for a word not found whole in the text.
-std::optional<int> scattered(const ClipSearchWord& word, const FoldedText& text) {
+std::optional<int> scattered(const ClipSearchWord& word, FoldedTextView text) {
     if (word.characters().size() < 2) return std::nullopt;
     if (text.isAscii() && word.folded().isAscii()) {
         return scatteredAscii(word.folded().bytes(), text.bytes());
@@ -165,14 +165,14 @@ namespace {
 
 // `pairs` tells whether the text may contain the word whole; when it cannot, only a scattered
 // match is left to look for.
-std::optional<int> textScore(const ClipSearchWord& word, const FoldedText& text,
-                             const BytePairSet& pairs) {
+std::optional<int> textScore(const ClipSearchWord& word, FoldedTextView text,
+                             const unsigned char* pairs = nullptr) {
     const std::string_view q = word.folded().bytes();
     const std::string_view t = text.bytes();
     if (q.empty() || t.empty()) return std::nullopt;
     // Every way of matching needs each of the word's characters somewhere in the text.
     if ((word.folded().characterMask() & ~text.characterMask()) != 0) return std::nullopt;
-    if (!pairs.mayContain(q)) return scattered(word, text);
+    if (!BytePairSet::mayContain(pairs, q)) return scattered(word, text);
     if (t.size() >= q.size() && t[0] == q[0] && sameBytes(t.data(), q.data(), q.size())) {
         return t.size() == q.size() ? 1000 : 800;
     }
@@ -194,28 +194,32 @@ std::optional<int> textScore(const ClipSearchWord& word, const FoldedText& text,
 }  // namespace
 
 std::optional<int> wordScore(const ClipSearchWord& word, const FoldedText& text) {
-    return textScore(word, text, BytePairSet());
+    return textScore(word, text.view());
 }
 
 std::optional<int> wordScore(const FoldedText& word, const FoldedText& text) {
     return wordScore(ClipSearchWord(word), text);
 }
 
-std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchEntry& entry) {
+std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchFields& fields) {
     int best = -1;
-    if (auto score = wordScore(word, entry.title)) best = 3 * *score;
+    if (auto score = textScore(word, fields.title)) best = 3 * *score;
     // A field is scored only when it could beat the best so far: the application name gives at
     // most 2,000 and the body at most 1,000, and the body is the long one.
     if (best < 2000) {
-        if (auto score = wordScore(word, entry.appName)) best = std::max(best, 2 * *score);
+        if (auto score = textScore(word, fields.appName)) best = std::max(best, 2 * *score);
     }
     if (best < 1000) {
-        if (auto score = textScore(word, entry.body, entry.bodyPairs)) {
+        if (auto score = textScore(word, fields.body, fields.bodyPairs)) {
             best = std::max(best, *score);
         }
     }
     if (best < 0) return std::nullopt;
     return best;
+}
+
+std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchEntry& entry) {
+    return weightedWordScore(word, entry.fields());
 }
 
 std::optional<std::int64_t> entryScore(const ClipSearchQuery& query, const ClipSearchEntry& entry) {

@@ -11,6 +11,16 @@ namespace harbex {
 
 struct ClipSearchEntry;
 
+// The texts of one copy as the search reads them: views into an entry, or into the block where
+// the search index keeps every copy's texts.
+struct ClipSearchFields {
+    FoldedTextView title;
+    FoldedTextView appName;
+    FoldedTextView body;
+    // The body's table of byte pairs (see `BytePairSet`), or null when it has none.
+    const unsigned char* bodyPairs = nullptr;
+};
+
 // One folded query word, prepared once per query and then scored against many texts.
 // Thread: any (a value).
 class ClipSearchWord {
@@ -48,6 +58,7 @@ std::optional<int> wordScore(const FoldedText& word, const FoldedText& text);
 
 // A word's best weighted score over an entry's fields (title ×3, application name ×2, body ×1);
 // nothing when it matches none. Thread: any.
+std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchFields& fields);
 std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchEntry& entry);
 
 // The sum over the query's words of each word's best weighted score (title ×3, application name

@@ -12,6 +12,24 @@ namespace folded {
 inline constexpr std::uint64_t kOutsideAsciiBit = std::uint64_t{1} << 63;
 }  // namespace folded
 
+// Folded bytes and their character mask, held elsewhere: the search index keeps the texts of
+// all copies in one block. Valid while what it looks at is. Thread: any (a value).
+class FoldedTextView {
+public:
+    FoldedTextView() = default;
+    FoldedTextView(std::string_view bytes, std::uint64_t mask) : bytes_(bytes), mask_(mask) {}
+
+    std::string_view bytes() const { return bytes_; }
+    FoldedTextView view() const { return {bytes_, mask_}; }
+    bool empty() const { return bytes_.empty(); }
+    bool isAscii() const { return (mask_ & folded::kOutsideAsciiBit) == 0; }
+    std::uint64_t characterMask() const { return mask_; }
+
+private:
+    std::string_view bytes_;
+    std::uint64_t mask_ = 0;
+};
+
 // Which road folding takes. Both give the same bytes; `unicodeOnly` exists so that tests and the
 // fuzzer can hold the fast ASCII road to the plain ICU one.
 enum class FoldingPath { fast, unicodeOnly };
@@ -29,6 +47,9 @@ enum class FoldingPath { fast, unicodeOnly };
 class FoldedText {
 public:
     FoldedText() = default;
+    // A copy of text that was folded before.
+    explicit FoldedText(FoldedTextView folded)
+        : bytes_(folded.bytes()), mask_(folded.characterMask()) {}
 
     // Folds `text` (any bytes; an invalid UTF-8 sequence reads as U+FFFD). Thread: any; a
     // character of several code points takes a process-wide lock the first time it is seen.
@@ -39,6 +60,7 @@ public:
     FoldedText slice(std::size_t offset, std::size_t length) const;
 
     std::string_view bytes() const { return bytes_; }
+    FoldedTextView view() const { return {bytes_, mask_}; }
     bool empty() const { return bytes_.empty(); }
     // Whether every character is one ASCII byte, so that byte offsets count characters.
     bool isAscii() const { return (mask_ & folded::kOutsideAsciiBit) == 0; }

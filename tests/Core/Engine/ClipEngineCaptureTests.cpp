@@ -277,7 +277,7 @@ TEST(ClipEngineCaptureTests, SensitiveCopiesAreForgottenWhenTheirTimeRunsOut) {
     EXPECT_EQ(engine.history()->size(), 2u);
     rig.scheduler.advance(1);  // the sweep, without any sample
     EXPECT_EQ(rig.texts(), std::vector<std::string>{"ordinary words"});
-    EXPECT_EQ(engine.searchEntries().entry(secret.id), nullptr);
+    EXPECT_FALSE(engine.searchEntries().entry(secret.id).has_value());
 }
 
 TEST(ClipEngineCaptureTests, ASampleAlsoDropsExpiredCopies) {

@@ -193,7 +193,7 @@ TEST(ClipEngineEditingTests, DeletingRemovesCopiesPinsAndBoardEntries) {
     EXPECT_EQ(rig.texts(), std::vector<std::string>{"three"});
     EXPECT_TRUE(engine.pinboards()->front().itemIDs.empty());
     EXPECT_TRUE(engine.pins()->empty());
-    EXPECT_EQ(engine.searchEntries().entry(one), nullptr);
+    EXPECT_FALSE(engine.searchEntries().entry(one).has_value());
     EXPECT_FALSE(engine.remove(one));
 }
 

@@ -138,7 +138,7 @@ TEST_F(ClipSearchIndexTests, StaysInStepWithEditsAndDeletes) {
 
     index.remove(b.id);
     EXPECT_EQ(index.size(), 2u);
-    EXPECT_EQ(index.entry(b.id), nullptr);
+    EXPECT_FALSE(index.entry(b.id).has_value());
     EXPECT_EQ(ids(find("report")), (std::vector<Uuid>{c.id, a.id}));
     EXPECT_EQ(ids(find("beta")), (std::vector<Uuid>{}));
 
@@ -154,6 +154,49 @@ TEST_F(ClipSearchIndexTests, StaysInStepWithEditsAndDeletes) {
     index.remove(Uuid::random());  // unknown ids are ignored
     index.clear();
     EXPECT_EQ(find("").results.size(), 0u);
+}
+
+// Replaced and removed texts are dropped from the index's block once they are a good part of
+// it, which moves every text that stays.
+TEST_F(ClipSearchIndexTests, RepackingItsTextsKeepsEveryCopyAsMade) {
+    std::vector<ClipItem> items;
+    for (int i = 0; i < 40; ++i) {
+        // Long enough for a pair table; short ones ride along between them.
+        std::string text = i % 3 == 0 ? "note " + std::to_string(i)
+                                      : std::string(30'000, static_cast<char>('a' + i % 26)) +
+                                            " report " + std::to_string(i);
+        items.push_back(item(ClipKind::text, std::move(text), 1000 - i));
+        items.back().appID = i % 2 == 0 ? "com.example.even" : "com.example.odd";
+        items.back().appName = i % 2 == 0 ? "Even" : "Odd";
+    }
+    index.rebuild(items);
+    for (int round = 0; round < 4; ++round) {
+        for (std::size_t i = round % 2; i < items.size(); i += 2) {
+            *items[i].text += " edited" + std::to_string(round);
+            items[i].date = items[i].date + 1;
+            index.put(items[i]);
+        }
+    }
+    index.remove(items[5].id);
+    items.erase(items.begin() + 5);
+
+    ClipSearchIndex fresh;
+    fresh.rebuild(items);
+    // Without repacking, the replaced texts alone would take twice what the copies need.
+    EXPECT_LT(index.textBytes(), 2 * fresh.textBytes());
+    for (const ClipItem& copy : items) {
+        ASSERT_TRUE(index.entry(copy.id).has_value());
+        EXPECT_EQ(*index.entry(copy.id), ClipSearchEntry::make(copy));
+    }
+    for (const char* query : {"report", "edited3 report", "note", "even", "odd edited2", "bbb"}) {
+        for (const std::optional<std::string>& app :
+             {std::optional<std::string>{}, std::optional<std::string>{"com.example.odd"}}) {
+            const ClipSearchRequest request{query, ClipFilter::all, app};
+            EXPECT_EQ(index.search(request, pinned, kNow, calendar),
+                      fresh.search(request, pinned, kNow, calendar))
+                << query;
+        }
+    }
 }
 
 TEST_F(ClipSearchIndexTests, TypingGivesWhatAFreshSearchGives) {
@@ -375,7 +418,7 @@ TEST_F(ClipSearchIndexTests, CharacterPrefilterNeverDropsAMatch) {
         ClipItem copy = item(ClipKind::text, c.text, 1);
         copy.appName = "Notes";
         index.rebuild({copy});
-        const ClipSearchEntry& entry = *index.entry(copy.id);
+        const ClipSearchEntry entry = *index.entry(copy.id);
         std::optional<std::int64_t> expected = 0;
         for (const ClipSearchWord& word : ClipSearchQuery::make(c.query).words) {
             std::optional<int> best;
