@@ -29,6 +29,12 @@ struct CleansedBytes {
     ~CleansedBytes() { OPENSSL_cleanse(bytes.data(), bytes.size()); }
 };
 
+// Wipes a buffer that held the plain history when it goes out of scope.
+struct CleansedText {
+    std::string& text;
+    ~CleansedText() { OPENSSL_cleanse(text.data(), text.size()); }
+};
+
 ClipStoreResult<void> removeIfPresent(const fs::path& path) {
     if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
         return std::unexpected(fileError("remove", path, errno));
@@ -124,14 +130,14 @@ ClipStoreResult<Bytes> ClipStore::readSealed(const fs::path& path, std::string_v
     return openFile(*sealKey, *sealed, associated);
 }
 
-// The history is read, opened and parsed in the document buffer, and written from it, so a
-// store that saves again and again works in memory it already has: fresh pages cost more than
-// the encoding itself on a history of several megabytes.
+// The history is read, opened and parsed in a buffer of its own, wiped and given back before
+// load returns: once decoded, the plain document is only a second copy of the history, and
+// nothing else should be left holding it.
 ClipStoreResult<ClipLibrary> ClipStore::load() {
     prepareFolder();
     const fs::path path = folder_ / kHistoryFileName;
-    std::lock_guard guard(documentLock_);
-    std::string& buffer = document_;
+    std::string buffer;
+    const CleansedText cleanse{buffer};
     if (auto read = readFileInto(path, buffer); !read) {
         if (read.error().isNotFound()) return ClipLibrary{};
         return std::unexpected(read.error());
@@ -150,25 +156,43 @@ ClipStoreResult<ClipLibrary> ClipStore::load() {
     return std::move(*library);
 }
 
+// Saves encode and seal in the document buffer. A small history keeps the buffer from one save
+// to the next (fresh pages cost more than the encoding itself); a large one gives it back after
+// each write, so that an idle store holds no copy of the history.
 ClipStoreResult<void> ClipStore::saveNow(const ClipLibrary& library) {
     prepareFolder();
     std::lock_guard guard(documentLock_);
     std::string& buffer = document_;
-    // A history that shrank a great deal (cleared, wiped) gives its memory back.
-    if (buffer.capacity() > kDocumentBufferKeptBytes && buffer.capacity() / 4 > buffer.size()) {
-        std::string().swap(buffer);
-    }
+    bool sealed = false;
+    const auto release = [&] {
+        // Until sealed, the buffer holds the plain document.
+        if (!sealed) OPENSSL_cleanse(buffer.data(), buffer.size());
+        if (buffer.capacity() > kDocumentBufferKeptBytes) std::string().swap(buffer);
+    };
     buffer.assign(kSealedHeaderSize, '\0');
     JsonTextWriter writer(buffer);
     writeJson(writer, library);
     buffer.append(kSealTagSize, '\0');
     const std::span file(reinterpret_cast<std::uint8_t*>(buffer.data()), buffer.size());
     auto sealKey = key();
-    if (!sealKey) return std::unexpected(sealKey.error());
-    if (auto sealed = sealFileInPlace(*sealKey, file, kHistoryAssociated); !sealed) {
-        return std::unexpected(sealed.error());
+    if (!sealKey) {
+        release();
+        return std::unexpected(sealKey.error());
     }
-    return writeSealedFile(folder_ / kHistoryFileName, file);
+    if (auto done = sealFileInPlace(*sealKey, file, kHistoryAssociated); !done) {
+        release();
+        return std::unexpected(done.error());
+    }
+    sealed = true;
+    auto written = writeSealedFile(folder_ / kHistoryFileName, file);
+    release();
+    return written;
+}
+
+std::size_t ClipStore::documentBufferBytes() {
+    std::lock_guard guard(documentLock_);
+    // An empty string's own inline room is not memory kept.
+    return document_.capacity() > std::string().capacity() ? document_.capacity() : 0;
 }
 
 void ClipStore::save(ClipLibrary library) {

@@ -64,7 +64,8 @@ public:
     const std::filesystem::path& folder() const { return folder_; }
 
     // The stored library, or an empty one when there is no history file yet. Fails with keychain,
-    // cannotOpen, badFormat, a file error or a JSON error; never changes the file.
+    // cannotOpen, badFormat, a file error or a JSON error; never changes the file. The plain
+    // document is wiped and freed before this returns.
     ClipStoreResult<ClipLibrary> load();
 
     // Queues a write of `library` and returns at once. Snapshots that arrive while a write runs
@@ -98,6 +99,11 @@ public:
     // history is written after this returns. Tries every step and reports the first failure.
     ClipStoreResult<void> wipe();
 
+    // Bytes the store keeps for the next save's document between saves (for tests and
+    // measuring): at most kDocumentBufferKeptBytes, nothing after a larger save. Any thread.
+    static constexpr std::size_t kDocumentBufferKeptBytes = 1u << 20;
+    std::size_t documentBufferBytes();
+
 private:
     enum class FileKind { image, thumbnail };
 
@@ -127,10 +133,9 @@ private:
     std::condition_variable drainFinished_;
     std::function<void(const ClipStoreError&)> saveFailureHandler_;
 
-    // The history document as last read or written (sealed once written), kept so that each
-    // save and load reuses its memory. Held while encoding, sealing and writing, which also keeps
-    // a saveNow() on the caller's thread and a background write from overlapping.
-    static constexpr std::size_t kDocumentBufferKeptBytes = 1u << 20;
+    // The buffer saves encode and seal in, kept between saves only while it is small. Its lock is
+    // held while encoding, sealing and writing, which also keeps a saveNow() on the caller's thread
+    // and a background write from overlapping.
     std::mutex documentLock_;
     std::string document_;
 

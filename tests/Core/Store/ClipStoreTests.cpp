@@ -470,6 +470,66 @@ TEST(ClipStoreTests, EachSaveOfAGrowingOrShrinkingHistoryLoadsWhole) {
     EXPECT_EQ(store->load(), previous);
 }
 
+// Between saves the store keeps the small document buffer only: a large history's buffer goes
+// after each write and a load keeps nothing, whatever the step before; the next save and load
+// still give the history back whole.
+TEST(ClipStoreTests, OnlyASmallDocumentBufferIsKeptBetweenSaves) {
+    enum class Step { saveSmall, saveLarge, load, failedSave };
+    struct Case {
+        const char* name;
+        std::vector<Step> steps;
+        bool keepsBuffer;
+    };
+    const Case cases[] = {
+        {"small save", {Step::saveSmall}, true},
+        {"large save", {Step::saveLarge}, false},
+        {"small after large", {Step::saveLarge, Step::saveSmall}, true},
+        {"large after small", {Step::saveSmall, Step::saveLarge}, false},
+        {"load after small", {Step::saveSmall, Step::load}, true},
+        {"load after large", {Step::saveLarge, Step::load}, false},
+        {"failed large save", {Step::saveSmall, Step::failedSave}, false},
+    };
+    const ClipLibrary small = textLibrary(20, "small");
+    const ClipLibrary large = textLibrary(10'000, "large history copy with a longer text");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TempFolder temp;
+        bool failWrites = false;
+        ClipStoreOptions options;
+        options.writeFile = [&](const fs::path& path, std::span<const std::uint8_t> bytes) {
+            if (failWrites)
+                return FileStatus(std::unexpected(FileError{"write", path.string(), EIO}));
+            return writeFileAtomically(path, bytes, 0600);
+        };
+        auto [keys, store] = makeStore(temp.path(), kStoredKey, options);
+        const ClipLibrary* saved = nullptr;
+        for (Step step : c.steps) {
+            switch (step) {
+                case Step::saveSmall:
+                    ASSERT_TRUE(store->saveNow(small));
+                    saved = &small;
+                    break;
+                case Step::saveLarge:
+                    ASSERT_TRUE(store->saveNow(large));
+                    saved = &large;
+                    break;
+                case Step::load: ASSERT_EQ(store->load(), *saved); break;
+                case Step::failedSave:
+                    failWrites = true;
+                    EXPECT_FALSE(store->saveNow(large));
+                    failWrites = false;
+                    break;
+            }
+        }
+        EXPECT_EQ(store->documentBufferBytes() > 0, c.keepsBuffer);
+        EXPECT_LE(store->documentBufferBytes(), ClipStore::kDocumentBufferKeptBytes);
+        EXPECT_EQ(store->load(), *saved);
+        EXPECT_EQ(store->documentBufferBytes() > 0, c.keepsBuffer);
+        ASSERT_TRUE(store->saveNow(large));
+        EXPECT_EQ(store->load(), large);
+    }
+}
+
 TEST(ClipStoreTests, SavesFromTheSaveThreadAndTheCallersThreadNeverMixTheirDocuments) {
     TempFolder temp;
     auto [keys, store] = makeStore(temp.path());
