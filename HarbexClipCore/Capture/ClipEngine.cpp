@@ -241,7 +241,6 @@ bool ClipEngine::keep(DetectedClip detected) {
             merged.expiresAt = fresh.expiresAt;
         }
         noteExpiry(merged);
-        searchEntries_.put(merged);
         modelMoveToFront(std::move(merged));
         changed();
         return true;
@@ -263,7 +262,6 @@ bool ClipEngine::keep(DetectedClip detected) {
         }
     }
     noteExpiry(fresh);
-    searchEntries_.put(fresh);
     modelInsert(std::move(fresh));
     changed();
     return true;
@@ -323,7 +321,6 @@ bool ClipEngine::ensureHistoryOpen(OpenAttempt attempt) {
 
     modelReset(std::move(library));
     sampler_.consumeCurrentChange();
-    searchEntries_.rebuild(model_.items());
     recomputeNextExpiry();
     isHistoryOpen_.set(true);
     if (startedAfresh) setProblem(unreadableHistoryProblemMessage(vocabulary_));
@@ -390,7 +387,6 @@ void ClipEngine::modelRemoved(const std::vector<ClipItem>& removed) {
     std::vector<Uuid> ids;
     ids.reserve(removed.size());
     for (const ClipItem& item : removed) {
-        searchEntries_.remove(item.id);
         ids.push_back(item.id);
     }
     historyEdits_.push_back([ids = std::move(ids)](std::vector<ClipItem>& items) {

@@ -200,8 +200,6 @@ public:
     const ClipLibrary& library() override { return model_.library(); }
     bool adoptImport(ClipLibrary merged, const std::vector<Uuid>& pinIDs) override;
 
-    // Search over the history, kept in step with it.
-    ClipSearchIndex& searchEntries() { return searchEntries_; }
     // The ids the `pinned` filter takes: pinned copies and those on pinboards.
     ClipIDSet pinnedOrOnPinboard() const;
 
@@ -286,7 +284,6 @@ private:
     // The live history and what is kept beside it.
     ClipHistory model_;
     ClipSampler sampler_;  // holds the change count last seen (`lastCount`)
-    ClipSearchIndex searchEntries_;
     CaptureRuleSettings rules_;
     bool saveScheduled_ = false;
     bool isHeld_ = false;

@@ -105,12 +105,10 @@ PasteResult ClipEngine::deliver(const Uuid& id, ClipPasteForm form,
         touched.lastPasted = now;
     }
     if (isPinned(id)) {
-        searchEntries_.put(touched);
         modelReplace(std::move(touched));
     } else {
         // Used again: it counts as recent, so it comes to the top with today's date.
         touched.date = now;
-        searchEntries_.put(touched);
         modelMoveToFront(std::move(touched));
     }
     changed();
@@ -126,7 +124,9 @@ PasteResult ClipEngine::paste(const Uuid& id, std::optional<ClipPasteForm> form,
 
 PasteResult ClipEngine::paste(const ClipItem& item, std::optional<ClipPasteForm> form,
                               const std::optional<ClipTargetApp>& target) {
-    return paste(item.id, form, target);
+    // The id is taken first: `item` may live in the published history this changes.
+    const Uuid id = item.id;
+    return paste(id, form, target);
 }
 
 PasteResult ClipEngine::pasteText(const std::string& text,
@@ -142,7 +142,10 @@ PasteResult ClipEngine::copy(const Uuid& id) {
     return deliver(id, ClipPasteForm::rich, std::nullopt);
 }
 
-PasteResult ClipEngine::copy(const ClipItem& item) { return copy(item.id); }
+PasteResult ClipEngine::copy(const ClipItem& item) {
+    const Uuid id = item.id;
+    return copy(id);
+}
 
 // MARK: Editing
 
@@ -222,7 +225,6 @@ bool ClipEngine::replaceItem(const Uuid& id, const std::function<bool(ClipItem&)
     if (!live) return false;
     ClipItem changedItem = *live;
     if (!change(changedItem)) return true;
-    searchEntries_.put(changedItem);
     noteExpiry(changedItem);
     modelReplace(std::move(changedItem));
     changed();
@@ -354,7 +356,6 @@ bool ClipEngine::addToPinboard(const Uuid& board, const Uuid& itemID) {
         // A pin from the sibling application joins the history so that the board can hold it.
         const std::optional<ClipItem> pinned = item(itemID);
         if (!pinned) return false;
-        searchEntries_.put(*pinned);
         modelInsert(*pinned);
     }
     const bool added = model_.addToPinboard(board, itemID);
@@ -379,7 +380,6 @@ bool ClipEngine::moveOnPinboard(const Uuid& board, std::span<const std::size_t> 
 bool ClipEngine::adoptImport(ClipLibrary merged, const std::vector<Uuid>& pinIDs) {
     if (!isHistoryOpen_.get()) return false;
     modelReset(std::move(merged));
-    searchEntries_.rebuild(model_.items());
     if (pinsBridge_) {
         for (const Uuid& id : pinIDs) {
             if (const ClipItem* imported = model_.item(id)) (void)pinsBridge_->pin(*imported);
