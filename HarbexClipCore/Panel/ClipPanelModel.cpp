@@ -67,18 +67,29 @@ ClipPanelModel::~ClipPanelModel() { *alive_ = nullptr; }
 // MARK: - Listing
 
 void ClipPanelModel::historyChanged() {
-    items_ = engine_.history().get();
+    // The history is listed where the engine keeps it: every change to it comes through here
+    // before anything reads the rows again. Only pins the history lacks are copied.
+    const std::vector<ClipItem>& history = engine_.history().get();
+    const std::vector<ClipItem>& pins = engine_.pins().get();
     positions_.clear();
-    positions_.reserve(items_.size());
-    for (std::size_t i = 0; i < items_.size(); ++i) positions_.emplace(items_[i].id, i);
+    positions_.reserve(history.size() + pins.size());
+    for (const ClipItem& item : history) positions_.emplace(item.id, &item);
     pinnedIDs_.clear();
-    for (const ClipItem& pin : engine_.pins().get()) {
+    extraPins_.clear();
+    extraPins_.reserve(pins.size());
+    for (const ClipItem& pin : pins) {
         pinnedIDs_.insert(pin.id);
-        if (positions_.emplace(pin.id, items_.size()).second) items_.push_back(pin);
+        const bool listed = positions_.contains(pin.id) ||
+                            std::ranges::any_of(extraPins_, [&](const ClipItem& extra) {
+                                return extra.id == pin.id;
+                            });
+        if (!listed) extraPins_.push_back(pin);
     }
     std::vector<Uuid> pinned(pinnedIDs_.begin(), pinnedIDs_.end());
+    for (const ClipItem& pin : extraPins_) positions_.emplace(pin.id, &pin);
     pinnedOrBoarded_ = pinnedOrOnPinboard(pinned, engine_.pinboards().get());
-    index_.rebuild(items_);
+    index_.rebuild(history);
+    for (const ClipItem& pin : extraPins_) index_.put(pin);
     refresh();
 }
 
@@ -95,7 +106,7 @@ void ClipPanelModel::buildRows(const ClipSearchOutcome& outcome) {
     results_.clear();
     results_.reserve(outcome.results.size());
     for (const ClipSearchResult& result : outcome.results) {
-        results_.push_back(&items_[positions_.at(result.id)]);
+        results_.push_back(positions_.at(result.id));
     }
     // Stable buckets keep the search order inside each group.
     const ClipDayGroups days(now_(), options_.calendar);
@@ -139,7 +150,7 @@ void ClipPanelModel::changed() { revision_.set(revision_.get() + 1); }
 const ClipItem* ClipPanelModel::selectedItem() const {
     if (!selectedID_) return nullptr;
     const auto found = positions_.find(*selectedID_);
-    return found == positions_.end() ? nullptr : &items_[found->second];
+    return found == positions_.end() ? nullptr : found->second;
 }
 
 ClipPanelRowLook ClipPanelModel::look(std::size_t index) const {
@@ -251,7 +262,7 @@ void ClipPanelModel::select(const Uuid& id) {
 std::optional<ClipPanelMessage> ClipPanelModel::emptyState() {
     if (!results_.empty()) return std::nullopt;
     const ClipKeyVocabulary v = options_.vocabulary;
-    if (items_.empty()) return ClipPanelText::emptyHistory(v);
+    if (positions_.empty()) return ClipPanelText::emptyHistory(v);
     const bool searching = !extractTimeWord(query_).rest.empty() || timeWord_.has_value();
     if (!searching) return ClipPanelText::emptyFilter(filter_, v);
     std::size_t inAll = 0;
@@ -323,8 +334,8 @@ ClipPanelModel::Effect ClipPanelModel::pasteStack() {
     std::vector<std::string> texts;
     for (const Uuid& id : stack_.ids) {
         const auto found = positions_.find(id);
-        if (found != positions_.end() && items_[found->second].text) {
-            texts.push_back(*items_[found->second].text);
+        if (found != positions_.end() && found->second->text) {
+            texts.push_back(*found->second->text);
         }
     }
     const std::string joined = PasteStack::join(texts, *separator);
@@ -349,7 +360,7 @@ ClipPanelModel::Effect ClipPanelModel::giveOutNext() {
         changed();
         return Effect::none;
     }
-    const PasteResult result = engine_.copy(items_[positions_.at(*current)]);
+    const PasteResult result = engine_.copy(*positions_.at(*current));
     if (result.outcome == PasteOutcome::failed) {
         showNotice(std::string(ClipPanelText::kCannotPaste), false);
         return Effect::none;

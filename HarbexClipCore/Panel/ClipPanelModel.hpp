@@ -219,9 +219,10 @@ private:
     std::optional<ClipTargetApp> target_;
     std::vector<ClipPanelAction> allActions_;
 
-    // The model's own copy of what it lists: the history, then pins the history lacks.
-    std::vector<ClipItem> items_;
-    std::unordered_map<Uuid, std::size_t> positions_;
+    // What it lists: the engine's history, where the engine keeps it, and its own copy of the
+    // pins the history lacks; by id.
+    std::vector<ClipItem> extraPins_;
+    std::unordered_map<Uuid, const ClipItem*> positions_;
     std::unordered_set<Uuid> pinnedIDs_;
     std::unordered_set<Uuid> pinnedOrBoarded_;
     ClipSearchIndex index_;

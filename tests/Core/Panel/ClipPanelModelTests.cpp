@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
@@ -54,6 +56,61 @@ TEST_F(ClipPanelModelTests, OpenTypeMoveAndPasteTypesIntoTheTarget) {
     EXPECT_EQ(engine.typer.count, 1);
     EXPECT_EQ(engine.model.items().front().timesPasted, 1);
     EXPECT_EQ(model->notice(), std::nullopt);
+}
+
+// The model lists the engine's history where the engine keeps it, so every change (a copy
+// arriving, a history replaced and grown past its old capacity, pins coming and going) must be
+// listed afresh; pins the history lacks (one pinned twice, one whose history copy went) are
+// listed once, from the model's own copy. Each step
+// ends by copying the selected row, which must hand over that row's text.
+TEST_F(ClipPanelModelTests, RowsFollowEveryChangeToTheHistoryAndThePins) {
+    struct Step {
+        const char* name;
+        std::function<void()> change;
+        std::vector<std::string> rows;
+    };
+    const ClipItem outside = textItem("pinned elsewhere", kNow - 600);
+    std::vector<ClipItem> many;
+    for (int i = 0; i < 40; ++i) many.push_back(textItem("many " + std::to_string(i), kNow - i));
+    start({textItem("alpha", kNow - 10), textItem("beta", kNow - 20)});
+    const std::vector<Step> steps = {
+        {"a pin the history lacks, pinned twice",
+         [&] {
+             (void)engine.pinStore.pin(outside);
+             (void)engine.pinStore.pin(outside);
+             engine.capture(textItem("gamma", kNow - 5));
+         },
+         {"# Pinned", "pinned elsewhere", "# Today", "gamma", "alpha", "beta"}},
+        {"a history copy pinned",
+         [&] { EXPECT_TRUE(engine.pin(engine.model.items()[1].id)); },
+         {"# Pinned", "alpha", "pinned elsewhere", "# Today", "gamma", "beta"}},
+        {"the history replaced by a larger one",
+         [&] {
+             std::vector<ClipItem> items(many.begin(), many.begin() + 3);
+             engine.setItems(std::move(items));
+         },
+         {"# Pinned", "alpha", "pinned elsewhere", "# Today", "many 0", "many 1", "many 2"}},
+        {"copies arriving past the old capacity",
+         [&] {
+             for (int i = 3; i < 40; ++i) engine.capture(many[std::size_t(i)]);
+             std::vector<ClipItem> items(many.begin() + 37, many.end());
+             std::reverse(items.begin(), items.end());
+             engine.setItems(std::move(items));
+         },
+         {"# Pinned", "alpha", "pinned elsewhere", "# Today", "many 37", "many 38", "many 39"}},
+        {"the outside pin taken away",
+         [&] { EXPECT_TRUE(engine.unpin(outside.id)); },
+         {"# Pinned", "alpha", "# Today", "many 37", "many 38", "many 39"}},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.name);
+        step.change();
+        EXPECT_EQ(rowTexts(), step.rows);
+        const std::string selected = selectedTitle();
+        ASSERT_FALSE(selected.empty());
+        EXPECT_EQ(model->handle(K::commandC), Effect::copied);
+        EXPECT_EQ(pasteboardText(), selected);
+    }
 }
 
 TEST_F(ClipPanelModelTests, WithoutTrustReturnCopiesAndTheNoticeFades) {
