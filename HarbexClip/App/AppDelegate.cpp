@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include <dirent.h>
+#include <malloc.h>
 
 #include <fstream>
 #include <set>
@@ -187,7 +188,12 @@ void AppDelegate::whenHistoryOpens() {
             if (!app_) return;
             ClipTimings::report("ready", ClipTimings::sinceProcessStart(),
                                 app_->engine().history().get().size());
-            QTimer::singleShot(0, this, [this] { preparePanel(); });
+            QTimer::singleShot(0, this, [this] {
+                preparePanel();
+                // Opening the history and building the panel free a great deal on the way
+                // (the parsed document, passing copies); give those pages back.
+                ::malloc_trim(0);
+            });
         });
     };
     if (app_->engine().isHistoryOpen().get()) {

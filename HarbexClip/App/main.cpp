@@ -2,6 +2,7 @@
 #include <QIcon>
 #include <QSocketNotifier>
 
+#include <malloc.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -25,6 +26,8 @@ bool hasGraphicalSession() {
     const char* display = std::getenv("DISPLAY");
     return display && *display;
 }
+
+constexpr int kOwnPagesFrom = 256 * 1024;
 
 int quitSignalFds[2] = {-1, -1};
 
@@ -73,6 +76,9 @@ int main(int argc, char* argv[]) {
         std::fputs("Harbex Clipboard needs a graphical session (no DISPLAY is set).\n", stderr);
         return 1;
     }
+    // Large blocks (the history document while it is read or saved, decoded images) get pages of
+    // their own, given back when freed, instead of staying in the heap for the life of the process.
+    ::mallopt(M_MMAP_THRESHOLD, kOwnPagesFrom);
     // Our clipboard, keys and windows speak X11; under Wayland that is XWayland.
     if (!std::getenv("QT_QPA_PLATFORM")) ::setenv("QT_QPA_PLATFORM", "xcb", 1);
 
