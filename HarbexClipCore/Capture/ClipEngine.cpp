@@ -223,7 +223,9 @@ void ClipEngine::finishCapture(CaptureDecision decision, const PasteboardSnapsho
         lastSkip_.setIfChanged(skip);
         return;
     }
-    if (keep(std::move(*decision.clip))) lastSkip_.setIfChanged(std::nullopt);
+    if (!keep(std::move(*decision.clip))) return;
+    lastSkip_.setIfChanged(std::nullopt);
+    captured_.set(captured_.get() + 1);
 }
 
 bool ClipEngine::keep(DetectedClip detected) {

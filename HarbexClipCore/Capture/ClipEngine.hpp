@@ -112,6 +112,9 @@ public:
     Observable<ClipPasteboardAccess>& access() { return access_; }
     Observable<std::vector<ClipPendingCapture>>& pending() { return pending_; }
     Observable<std::optional<SkipReason>>& lastSkip() { return lastSkip_; }
+    // Advances by one each time a copy taken from the pasteboard is kept, new or a repeat;
+    // pastes, edits and imports leave it alone. For the shell's feedback on a copy.
+    Observable<std::uint64_t>& captured() { return captured_; }
     Observable<std::optional<std::string>>& problem() override { return problem_; }
     Observable<bool>& isHistoryOpen() { return isHistoryOpen_; }
     Observable<ClipSettings>& settings() override { return settings_; }
@@ -194,7 +197,7 @@ public:
     bool addToPinboard(const Uuid& board, const Uuid& item) override;
     bool removeFromPinboard(const Uuid& board, const Uuid& item) override;
     bool moveOnPinboard(const Uuid& board, std::span<const std::size_t> fromOffsets,
-                        std::size_t toOffset);
+                        std::size_t toOffset) override;
 
     // The library as it stands, and taking in an import.
     const ClipLibrary& library() override { return model_.library(); }
@@ -277,6 +280,7 @@ private:
     Observable<ClipPasteboardAccess> access_{ClipPasteboardAccess::allowed};
     Observable<std::vector<ClipPendingCapture>> pending_;
     Observable<std::optional<SkipReason>> lastSkip_;
+    Observable<std::uint64_t> captured_{0};
     Observable<std::optional<std::string>> problem_;
     Observable<bool> isHistoryOpen_{false};
     Observable<ClipSettings> settings_;

@@ -26,6 +26,10 @@ public:
     virtual bool removePinboard(const Uuid& board) = 0;
     // Moves the boards at `fromOffsets` to before `toOffset` (offsets into the old order).
     virtual bool movePinboards(std::span<const std::size_t> fromOffsets, std::size_t toOffset) = 0;
+    // Moves the entries of `board` at `fromOffsets` to before `toOffset` (offsets into the
+    // board's old order); returns whether the history was open and the board found.
+    virtual bool moveOnPinboard(const Uuid& board, std::span<const std::size_t> fromOffsets,
+                                std::size_t toOffset) = 0;
     // Publishes and stores the whole settings record.
     virtual void updateSettings(ClipSettings settings) = 0;
     // The whole library as it stands (for export).

@@ -215,6 +215,43 @@ bool ClipLibraryViewModel::movePinboard(const Uuid& board, Step step) {
     return from + 1 < boards.size() && movePinboard(board, from + 1);
 }
 
+bool ClipLibraryViewModel::canRearrange() const {
+    return section_.kind == ClipLibrarySection::Kind::pinboard && section_.pinboardID &&
+           sort_ == ClipLibrarySort::newest && isBlank(query_);
+}
+
+bool ClipLibraryViewModel::moveOnPinboard(const Uuid& item, std::size_t index) {
+    if (!canRearrange() || items_.empty()) return false;
+    const Pinboard* board = listing_.pinboard(*section_.pinboardID);
+    if (!board) return false;
+    const auto listed = std::ranges::find(items_, item, &ClipItem::id);
+    if (listed == items_.end()) return false;
+    const auto fromListed = static_cast<std::size_t>(listed - items_.begin());
+    index = std::min(index, items_.size() - 1);
+    if (index == fromListed) return true;
+
+    // The list may leave out entries of the board (copies that are gone), so places are taken
+    // from the board itself: the copy goes just before (moving up) or just after (moving down)
+    // the copy now listed at `index`.
+    const std::vector<Uuid>& ids = board->itemIDs;
+    const auto from = std::ranges::find(ids, item);
+    const auto anchor = std::ranges::find(ids, items_[index].id);
+    if (from == ids.end() || anchor == ids.end()) return false;
+    const std::size_t offsets[] = {static_cast<std::size_t>(from - ids.begin())};
+    const auto anchorOffset = static_cast<std::size_t>(anchor - ids.begin());
+    return engine_.moveOnPinboard(board->id, offsets,
+                                  index > fromListed ? anchorOffset + 1 : anchorOffset);
+}
+
+bool ClipLibraryViewModel::moveSelectedOnPinboard(Step step) {
+    if (!selectedID_) return false;
+    const auto listed = std::ranges::find(items_, *selectedID_, &ClipItem::id);
+    if (listed == items_.end()) return false;
+    const auto at = static_cast<std::size_t>(listed - items_.begin());
+    if (step == Step::up) return at > 0 && moveOnPinboard(*selectedID_, at - 1);
+    return at + 1 < items_.size() && moveOnPinboard(*selectedID_, at + 1);
+}
+
 void ClipLibraryViewModel::addSelectedToPinboard(const Uuid& board) {
     const ClipItem* item = selectedItem();
     const Pinboard* target = listing_.pinboard(board);

@@ -45,7 +45,7 @@ public:
     static constexpr std::string_view kEmptyPinboard = "This pinboard is empty";
     static constexpr std::string_view kNewPinboardName = "New Pinboard";
 
-    // Which way a pinboard moves in the sidebar.
+    // Which way a pinboard moves in the sidebar, or a copy on the board being shown.
     enum class Step { up, down };
 
     // `engine` is observed and must outlive the model.
@@ -79,6 +79,15 @@ public:
     bool movePinboard(const Uuid& board, std::size_t index);
     // One place up or down; false at either end.
     bool movePinboard(const Uuid& board, Step step);
+    // Whether the listed copies may be rearranged by hand: a pinboard is shown in its own order,
+    // neither searched nor sorted otherwise.
+    bool canRearrange() const;
+    // Moves the listed copy `item` to `index` among the listed copies (clamped to the end), in
+    // the shown board's stored order; copies the list leaves out keep their places. False when
+    // the list cannot be rearranged or does not hold the copy.
+    bool moveOnPinboard(const Uuid& item, std::size_t index);
+    // The selected copy one place up or down the board; false at either end.
+    bool moveSelectedOnPinboard(Step step);
     // Puts the selected copy on `board` / takes it off the board being shown; each leaves a
     // notice naming the board.
     void addSelectedToPinboard(const Uuid& board);

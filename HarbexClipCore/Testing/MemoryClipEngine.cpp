@@ -188,6 +188,13 @@ bool MemoryClipEngine::movePinboards(std::span<const std::size_t> fromOffsets,
     return true;
 }
 
+bool MemoryClipEngine::moveOnPinboard(const Uuid& board, std::span<const std::size_t> fromOffsets,
+                                      std::size_t toOffset) {
+    const bool moved = model.moveOnPinboard(board, fromOffsets, toOffset);
+    publish();
+    return moved;
+}
+
 void MemoryClipEngine::publish() {
     ++publishCount;
     pins_.set(pinStore.pinnedItems());

@@ -59,6 +59,8 @@ public:
     bool setPinboardSymbol(const Uuid& board, std::string symbol) override;
     bool removePinboard(const Uuid& board) override;
     bool movePinboards(std::span<const std::size_t> fromOffsets, std::size_t toOffset) override;
+    bool moveOnPinboard(const Uuid& board, std::span<const std::size_t> fromOffsets,
+                        std::size_t toOffset) override;
     void updateSettings(ClipSettings settings) override { settings_.set(std::move(settings)); }
 
     // The payload a copy puts on the pasteboard (plain drops the formatting).

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 #include "HarbexClipCore/Library/ClipLibraryModel.hpp"
@@ -101,6 +102,128 @@ TEST_F(ClipLibraryViewModelTests, PinboardSectionsKeepTheBoardOrderAndShowTheEmp
     ASSERT_EQ(model->items().size(), 2u);
     EXPECT_EQ(model->items()[0].id, b.id);
     EXPECT_EQ(groupTitles(), std::vector<std::string>{"-:2"});
+}
+
+TEST_F(ClipLibraryViewModelTests, CopiesOnTheShownBoardMoveInItsStoredOrder) {
+    const ClipItem a = textItem("a", kNow), b = textItem("b", kNow - 1),
+                   c = textItem("c", kNow - 2), d = textItem("d", kNow - 3);
+    // The board also holds a copy that is gone: the list leaves it out, the board keeps it.
+    const Uuid gone = Uuid::random();
+    struct Case {
+        const char* name;
+        std::function<bool(ClipLibraryViewModel&)> move;
+        bool moved;
+        std::vector<std::string> listed;
+        std::size_t goneAt;  // where the missing copy is in the stored order afterwards
+    };
+    const auto select = [](ClipLibraryViewModel& model, const ClipItem& item) {
+        model.select(item.id);
+    };
+    const std::vector<Case> cases{
+        {"down past two",
+         [&](auto& m) { return m.moveOnPinboard(a.id, 2); },
+         true,
+         {"b", "c", "a", "d"},
+         0},
+        {"up to the top",
+         [&](auto& m) { return m.moveOnPinboard(d.id, 0); },
+         true,
+         {"d", "a", "b", "c"},
+         2},
+        {"onto its own place",
+         [&](auto& m) { return m.moveOnPinboard(b.id, 1); },
+         true,
+         {"a", "b", "c", "d"},
+         1},
+        {"beyond the end",
+         [&](auto& m) { return m.moveOnPinboard(c.id, 99); },
+         true,
+         {"a", "b", "d", "c"},
+         1},
+        {"a copy not on the board",
+         [&](auto& m) { return m.moveOnPinboard(gone, 0); },
+         false,
+         {"a", "b", "c", "d"},
+         1},
+        {"selected one down",
+         [&](auto& m) {
+             select(m, b);
+             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::down);
+         },
+         true,
+         {"a", "c", "b", "d"},
+         1},
+        {"selected one up, past the missing copy",
+         [&](auto& m) {
+             select(m, b);
+             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::up);
+         },
+         true,
+         {"b", "a", "c", "d"},
+         2},
+        {"the first cannot go up",
+         [&](auto& m) {
+             select(m, a);
+             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::up);
+         },
+         false,
+         {"a", "b", "c", "d"},
+         1},
+        {"the last cannot go down",
+         [&](auto& m) {
+             select(m, d);
+             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::down);
+         },
+         false,
+         {"a", "b", "c", "d"},
+         1},
+        {"not while searching",
+         [&](auto& m) {
+             m.setQuery("a");
+             const bool moved = m.moveOnPinboard(a.id, 1);
+             m.setQuery("");
+             return moved;
+         },
+         false,
+         {"a", "b", "c", "d"},
+         1},
+        {"not while sorted otherwise",
+         [&](auto& m) {
+             m.setSort(ClipLibrarySort::name);
+             const bool moved = m.moveOnPinboard(d.id, 0);
+             m.setSort(ClipLibrarySort::newest);
+             return moved;
+         },
+         false,
+         {"a", "b", "c", "d"},
+         1},
+        {"not outside a board",
+         [&](auto& m) {
+             m.setSection(ClipLibrarySection::all());
+             return m.moveOnPinboard(d.id, 0);
+         },
+         false,
+         {"a", "b", "c", "d"},
+         1},
+    };
+    for (const Case& c0 : cases) {
+        SCOPED_TRACE(c0.name);
+        start({a, b, c, d});
+        const Pinboard board{Uuid::random(), "Work", "", "", {a.id, gone, b.id, c.id, d.id}};
+        ASSERT_TRUE(engine.addPinboard(board));
+        model->setSection(ClipLibrarySection::pinboard(board.id));
+        EXPECT_TRUE(model->canRearrange());
+        EXPECT_EQ(c0.move(*model), c0.moved);
+        model->setSection(ClipLibrarySection::pinboard(board.id));
+        std::vector<std::string> listed;
+        for (const ClipItem& item : model->items()) listed.push_back(*item.text);
+        EXPECT_EQ(listed, c0.listed);
+        const auto stored = std::ranges::find(engine.pinboards().get(), board.id, &Pinboard::id);
+        ASSERT_NE(stored, engine.pinboards()->end());
+        ASSERT_EQ(stored->itemIDs.size(), 5u);
+        EXPECT_EQ(stored->itemIDs[c0.goneAt], gone);
+        engine.removePinboard(board.id);
+    }
 }
 
 TEST_F(ClipLibraryViewModelTests, ActionsLeaveTheirNotices) {
