@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
+#include "HarbexClipCore/Panel/ClipCodeLanguage.hpp"
 #include "HarbexClipCore/Panel/ClipPanelPlacement.hpp"
 #include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
@@ -85,8 +86,8 @@ void ClipPanelModel::historyChanged() {
                             });
         if (!listed) extraPins_.push_back(pin);
     }
-    std::vector<Uuid> pinned(pinnedIDs_.begin(), pinnedIDs_.end());
     for (const ClipItem& pin : extraPins_) positions_.emplace(pin.id, &pin);
+    std::vector<Uuid> pinned(pinnedIDs_.begin(), pinnedIDs_.end());
     pinnedOrBoarded_ = pinnedOrOnPinboard(pinned, engine_.pinboards().get());
     index_.rebuild(history);
     for (const ClipItem& pin : extraPins_) index_.put(pin);
@@ -170,13 +171,23 @@ ClipPanelRowLook ClipPanelModel::look(std::size_t index) const {
         const auto digit = clipKeyCodeForKeysym(static_cast<std::uint32_t>('0' + look.number));
         if (digit) look.numberKeys = commandKeys(*digit, options_.vocabulary);
     }
+    look.language = languageOf(item);
     return look;
+}
+
+std::optional<std::string> ClipPanelModel::languageOf(const ClipItem& item) const {
+    if (item.kind != ClipKind::code || item.isSensitive || !item.text) return std::nullopt;
+    return ClipCodeLanguage::guess(*item.text, languages);
 }
 
 std::optional<ClipPanelPreview> ClipPanelModel::preview() const {
     if (mode_ == Mode::actions && actionItem_) {
         const ClipPanelAction* action = selectedAction();
-        if (!action || !actionPreview_) return ClipPanelPreview::of(*actionItem_);
+        if (!action || !actionPreview_) {
+            ClipPanelPreview shown = ClipPanelPreview::of(*actionItem_);
+            shown.language = languageOf(*actionItem_);
+            return shown;
+        }
         ClipPanelPreview result;
         result.kind = ClipPanelPreview::Kind::text;
         result.title = action->title;
@@ -189,7 +200,9 @@ std::optional<ClipPanelPreview> ClipPanelModel::preview() const {
     }
     const ClipItem* item = selectedItem();
     if (!item) return std::nullopt;
-    return ClipPanelPreview::of(*item);
+    ClipPanelPreview shown = ClipPanelPreview::of(*item);
+    shown.language = languageOf(*item);
+    return shown;
 }
 
 std::vector<ClipPanelHint> ClipPanelModel::hints() const {

@@ -128,7 +128,9 @@ public:
     const std::optional<ClipTargetApp>& target() const { return target_; }
     double settleDelay() const { return options_.settleDelay; }
     const std::vector<ClipPanelAction>& allActions() const { return allActions_; }
-    // Code-language names the view shows beside code copies, set by the application.
+    // Code-language names the view shows beside code copies, set by the application (see
+    // ClipCodeLanguage::knownNames); rows and the preview name a code copy's language only
+    // when it is one of these. Empty: no language is shown.
     std::vector<std::string> languages;
 
     // What the list area shows when there are no rows: the empty history, an empty filter, or
@@ -160,6 +162,9 @@ public:
     Observable<std::uint64_t>& revision() { return revision_; }
 
 private:
+    // The language shown beside a code copy: nothing for other kinds and for hidden copies.
+    std::optional<std::string> languageOf(const ClipItem& item) const;
+
     void historyChanged();
     void refresh();
     void buildRows(const ClipSearchOutcome& outcome);

@@ -32,6 +32,7 @@ struct ClipPanelPreview {
     std::string body;
     bool isCut = false;                    // the text was longer than what `body` holds
     bool isCode = false;                   // drawn in a fixed-width font
+    std::optional<std::string> language;   // a code copy's language, set by the panel model
     std::optional<std::string> linkTitle;  // the page title a link came with
     std::optional<std::string> host;       // a link's host
     std::vector<std::string> files;        // the paths of a file copy

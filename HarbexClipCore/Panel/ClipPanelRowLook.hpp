@@ -27,6 +27,7 @@ struct ClipPanelRowLook {
     bool isStacked = false;
     int number = 0;          // 1…9 when ⌘1…⌘9 pastes it, else 0
     std::string numberKeys;  // "⌘1" / "Ctrl+1", set by the panel model for its vocabulary
+    std::optional<std::string> language;  // a code copy's language, set by the panel model
 
     // The look of `item`. `number` is the copy's place among the listed copies, from 1.
     // Thread: any. Counts the text of textual copies (see ClipItem::subtitle).

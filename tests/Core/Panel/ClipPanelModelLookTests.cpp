@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "HarbexClipCore/Panel/ClipCodeLanguage.hpp"
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
 #include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 #include "tests/Core/Panel/PanelTestSupport.hpp"
@@ -90,6 +91,41 @@ TEST_F(ClipPanelModelLookTests, ThePreviewFollowsTheSelectionAndTheActionResult)
     EXPECT_EQ(result->title, model->actions().front().title);
     EXPECT_EQ(result->body, "HELLO THERE");
     EXPECT_EQ(result->details, "Return pastes it, Ctrl+Return keeps it as a new copy");
+}
+
+TEST_F(ClipPanelModelLookTests, CodeCopiesNameTheirLanguageWhenTheApplicationOffersIt) {
+    ClipItem hidden = kindItem(ClipKind::code, "let mut secret = \"hunter2\";", kNow - 180);
+    hidden.isSensitive = true;
+    start({kindItem(ClipKind::code, "fn main() {\n    println!(\"hi\");\n}", kNow - 60),
+           textItem("fn main() {\n    println!(\"hi\");\n} as prose", kNow - 120), hidden,
+           kindItem(ClipKind::code, "x = 1", kNow - 240)});
+    struct Case {
+        std::vector<std::string> languages;
+        std::vector<std::optional<std::string>> looks;  // rows 1…4 under "Today"
+    };
+    const std::vector<Case> cases{
+        {{}, {std::nullopt, std::nullopt, std::nullopt, std::nullopt}},
+        {ClipCodeLanguage::knownNames(), {"Rust", std::nullopt, std::nullopt, std::nullopt}},
+        {{"Python"}, {std::nullopt, std::nullopt, std::nullopt, std::nullopt}},
+    };
+    for (const Case& c : cases) {
+        model->languages = c.languages;
+        ASSERT_EQ(model->rows().size(), 5u);
+        std::vector<std::optional<std::string>> looks;
+        for (std::size_t row = 1; row < 5; ++row) looks.push_back(model->look(row).language);
+        EXPECT_EQ(looks, c.looks);
+        model->select(model->rows()[1].item->id);
+        ASSERT_TRUE(model->preview());
+        EXPECT_EQ(model->preview()->language, c.looks[0]);
+        model->select(model->rows()[2].item->id);
+        EXPECT_EQ(model->preview()->language, std::nullopt) << "text is not code";
+    }
+    // In actions mode the copy's own preview keeps its language.
+    model->languages = ClipCodeLanguage::knownNames();
+    model->select(model->rows()[1].item->id);
+    model->handle(K::commandK);
+    ASSERT_EQ(model->mode(), ClipPanelMode::actions);
+    EXPECT_EQ(model->preview()->language, "Rust");
 }
 
 TEST_F(ClipPanelModelLookTests, NoCopyNoPreview) {
