@@ -3,11 +3,14 @@
 // The encrypted history on disk: "History.sealed" and sealed image files under "Images", all
 // opened with one key kept in the login keyring.
 //
-// Thread: load, saveNow, the image operations, setAsideUnreadable and wipe run on the caller's
-// thread (the engine's main thread). save() only hands a snapshot to the store's own serial save
-// thread; the save-failure handler is called on that thread. `lock` serialises getting the key
-// between the two; `saveLock` guards the pending snapshot and is never held while encoding,
-// sealing or writing.
+// Thread: every operation runs on the caller's thread. load, saveNow, setAsideUnreadable and wipe
+// are the engine's (main thread). The image operations may be called from any thread at once:
+// the windows read thumbnails and images on worker threads and an export reads images on its
+// own. They share nothing but the key, taken under `lock`, and each writes through its own
+// temporary file; a read racing a removal of the same image gets a file error. save() only hands
+// a snapshot to the store's own serial save thread; the save-failure handler is called on that
+// thread. `saveLock` guards the pending snapshot and is never held while encoding, sealing or
+// writing. The store must outlive every thread that calls it.
 
 #include <condition_variable>
 #include <cstdint>
