@@ -18,7 +18,7 @@ namespace harbex {
 class BytePairSet {
 public:
     // Texts shorter than this get no set.
-    static constexpr std::size_t kSmallestText = 2048;
+    static constexpr std::size_t kSmallestText = 512;
     static constexpr std::size_t kTableBytes = 128;
 
     // Writes the table of `text`'s pairs into `table` (`kTableBytes` bytes, any alignment).

@@ -104,17 +104,17 @@ ClipSearchFields ClipSearchIndex::fields(const Record& record) const {
     }
     out.title = {{at, record.titleSize}, record.titleMask};
     at += record.titleSize;
-    out.appName = {{at, record.appNameSize}, record.appNameMask};
-    at += record.appNameSize;
     out.body = {{at, record.bodySize}, record.bodyMask};
     return out;
 }
 
-std::uint32_t ClipSearchIndex::appNumber(const std::optional<std::string>& appID) {
-    if (!appID) return 0;
+std::uint32_t ClipSearchIndex::sourceNumber(const ClipSearchEntry& entry) {
+    std::string key = entry.appID.value_or(std::string());
+    key.push_back('\0');
+    key += entry.appName.bytes();
     const auto [found, added] =
-        appNumbers_.try_emplace(*appID, static_cast<std::uint32_t>(appIDs_.size() + 1));
-    if (added) appIDs_.push_back(*appID);
+        sourceNumbers_.try_emplace(std::move(key), static_cast<std::uint32_t>(sources_.size()));
+    if (added) sources_.push_back({entry.appID, entry.appName});
     return found->second;
 }
 
@@ -123,7 +123,8 @@ ClipSearchIndex::Record ClipSearchIndex::store(const ClipSearchEntry& entry) {
     record.id = entry.id;
     record.date = entry.date;
     record.kind = entry.kind;
-    record.app = appNumber(entry.appID);
+    record.source = sourceNumber(entry);
+    record.appNameMask = entry.appName.characterMask();
     record.textsAt = texts_.size();
     record.hasPairs = !entry.bodyPairs.empty();
     if (record.hasPairs) {
@@ -136,7 +137,6 @@ ClipSearchIndex::Record ClipSearchIndex::store(const ClipSearchEntry& entry) {
         mask = text.characterMask();
     };
     append(entry.title, record.titleSize, record.titleMask);
-    append(entry.appName, record.appNameSize, record.appNameMask);
     append(entry.body, record.bodySize, record.bodyMask);
     return record;
 }
@@ -144,8 +144,7 @@ ClipSearchIndex::Record ClipSearchIndex::store(const ClipSearchEntry& entry) {
 namespace {
 
 std::size_t textsSize(const auto& record) {
-    return (record.hasPairs ? BytePairSet::kTableBytes : 0) + record.titleSize +
-           record.appNameSize + record.bodySize;
+    return (record.hasPairs ? BytePairSet::kTableBytes : 0) + record.titleSize + record.bodySize;
 }
 
 }  // namespace
@@ -226,8 +225,8 @@ void ClipSearchIndex::clear() {
     texts_.clear();
     texts_.shrink_to_fit();
     deadBytes_ = 0;
-    appIDs_.clear();
-    appNumbers_.clear();
+    sources_.clear();
+    sourceNumbers_.clear();
 }
 
 std::optional<ClipSearchEntry> ClipSearchIndex::entry(const Uuid& id) const {
@@ -240,10 +239,10 @@ std::optional<ClipSearchEntry> ClipSearchIndex::entry(const Uuid& id) const {
     out.date = record.date;
     out.kind = record.kind;
     out.title = FoldedText(texts.title);
-    out.appName = FoldedText(texts.appName);
+    out.appName = sources_[record.source].appName;
     out.body = FoldedText(texts.body);
     out.bodyPairs = BytePairSet::of(out.body.bytes());
-    if (record.app != 0) out.appID = appIDs_[record.app - 1];
+    out.appID = sources_[record.source].appID;
     return out;
 }
 
@@ -305,12 +304,24 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
         std::vector<std::int32_t> wordScores;
         wordScores.reserve(count * wordCount);
         std::vector<std::int32_t> row(wordCount);
-        // The application filter compares numbers; a bundle identifier no copy has matches none.
-        std::optional<std::uint32_t> app;
+        // The application filter and the application names are settled once per source.
+        std::vector<bool> admittedSource(sources_.size(), true);
         if (request.appID) {
-            const auto known = appNumbers_.find(*request.appID);
-            app = known == appNumbers_.end() ? ~std::uint32_t{0} : known->second;
+            for (std::size_t s = 0; s < sources_.size(); ++s) {
+                admittedSource[s] = sources_[s].appID == request.appID;
+            }
         }
+        constexpr int kUnknown = -2;
+        std::vector<int> appNameScores(wordCount * sources_.size(), kUnknown);
+        const auto appNameScore = [&](std::size_t w, std::uint32_t source) {
+            int& known = appNameScores[w * sources_.size() + source];
+            if (known == kUnknown) {
+                const std::optional<int> score =
+                    wordScore(query.words[w], sources_[source].appName);
+                known = score ? 2 * *score : -1;
+            }
+            return known;
+        };
         // How far ahead the next texts are asked for, where the records jump in the block.
         constexpr std::size_t kAhead = 4;
         for (std::size_t c = 0; c < count; ++c) {
@@ -324,7 +335,7 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
                 pin = ClipPinState::pinned;
             }
             if (!admits(request.filter, record.kind, pin)) continue;
-            if (app && record.app != *app) continue;
+            if (!admittedSource[record.source]) continue;
             if (outcome.range && !outcome.range->contains(record.date)) continue;
             std::int64_t total = 0;
             bool matched = true;
@@ -336,8 +347,8 @@ ClipSearchOutcome ClipSearchIndex::search(const ClipSearchRequest& request,
                                                                 (need & ~record.bodyMask) != 0) {
                     // No text holds all of the word's characters.
                     matched = false;
-                } else if (const std::optional<int> score =
-                               weightedWordScore(query.words[w], fields(record))) {
+                } else if (const std::optional<int> score = weightedWordScore(
+                               query.words[w], fields(record), appNameScore(w, record.source))) {
                     row[w] = *score;
                 } else {
                     matched = false;
@@ -378,7 +389,10 @@ std::size_t ClipSearchIndex::textBytes() const {
     std::size_t total = texts_.size() + records_.capacity() * sizeof(Record) +
                         order_.capacity() * sizeof(std::uint32_t) + positions_.size() * kNodeBytes +
                         positions_.bucket_count() * sizeof(void*);
-    for (const std::string& appID : appIDs_) total += sizeof(appID) + appID.capacity();
+    for (const Source& source : sources_) {
+        total += sizeof(source) + (source.appID ? source.appID->capacity() : 0) +
+                 source.appName.heapBytes();
+    }
     return total;
 }
 

@@ -84,9 +84,9 @@ public:
 
 private:
     // What the search knows of one copy. Its folded texts sit together in `texts_`, at
-    // `textsAt`: the body's pair table when it has one, then the title, the application name and
-    // the body. Reading them there, mostly in the order the search visits copies, streams
-    // through memory instead of waiting for a separate allocation per text.
+    // `textsAt`: the body's pair table when it has one, then the title and the body. Reading them
+    // there, mostly in the order the search visits copies, streams through memory instead of
+    // waiting for a separate allocation per text.
     struct Record {
         Uuid id;
         Date date;
@@ -95,11 +95,17 @@ private:
         std::uint64_t appNameMask = 0;
         std::uint64_t bodyMask = 0;
         std::uint32_t titleSize = 0;
-        std::uint32_t appNameSize = 0;
         std::uint32_t bodySize = 0;
-        std::uint32_t app = 0;  // 1 + the place of its bundle identifier in `appIDs_`; 0 for none
+        std::uint32_t source = 0;  // in `sources_`
         ClipKind kind = ClipKind::text;
         bool hasPairs = false;
+    };
+
+    // Where copies came from: the bundle identifier and the application's name as captured.
+    // Few differ, so each is kept once, and a search scores a word against each name once.
+    struct Source {
+        std::optional<std::string> appID;
+        FoldedText appName;
     };
 
     // One query's matches, kept for narrowing it further or going back to it.
@@ -118,7 +124,7 @@ private:
     const std::vector<std::uint32_t>& order();
     std::size_t rememberedSize() const;
     ClipSearchFields fields(const Record& record) const;
-    std::uint32_t appNumber(const std::optional<std::string>& appID);
+    std::uint32_t sourceNumber(const ClipSearchEntry& entry);
     // Appends the entry's texts to `texts_` and returns its record.
     Record store(const ClipSearchEntry& entry);
     // Lays `texts_` out again without the texts of replaced and removed copies, newest first.
@@ -130,8 +136,9 @@ private:
     std::string texts_;
     // Bytes of `texts_` that no record uses any more.
     std::size_t deadBytes_ = 0;
-    std::vector<std::string> appIDs_;
-    std::unordered_map<std::string, std::uint32_t> appNumbers_;
+    std::vector<Source> sources_;
+    // By the bundle identifier (empty for none), a zero byte and the folded name.
+    std::unordered_map<std::string, std::uint32_t> sourceNumbers_;
     // Places in `records_`, newest first (ties by id); made again after a change. Scoring in
     // this order leaves only the scores to sort.
     std::vector<std::uint32_t> order_;

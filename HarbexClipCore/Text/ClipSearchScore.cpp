@@ -5,7 +5,9 @@
 
 #include "HarbexClipCore/Text/ClipSearchEntry.hpp"
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
+#include <immintrin.h>
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
@@ -24,19 +26,74 @@ bool sameBytes(const char* a, const char* b, std::size_t count) {
     return true;
 }
 
-// The first occurrence of `needle` (at least two bytes) in `haystack`. Sixteen positions at a
-// time are checked for the needle's first, middle and last bytes, and only those candidates
-// compared in full: bodies run to tens of kilobytes, most of them are searched on every
-// keystroke, and words from the same vocabulary share their first and last letters often.
+// Candidates for an occurrence of a needle of `m` bytes are positions whose first, middle and
+// last bytes match; only those are compared in full. `candidates` has a bit for each such
+// position from `i` on. Returns the first occurrence among them, or npos.
+std::size_t firstOccurrence(const char* h, const char* w, std::size_t m, std::size_t i,
+                            std::uint32_t candidates) {
+    for (; candidates != 0; candidates &= candidates - 1) {
+        const auto bit = static_cast<std::size_t>(__builtin_ctz(candidates));
+        if (sameBytes(h + i + bit + 1, w + 1, m - 2)) return i + bit;
+    }
+    return std::string_view::npos;
+}
+
+#if defined(__x86_64__)
+// Thirty-two positions at a time, where the processor has AVX2 (checked once at run time).
+// Leaves `i` at the first position it did not look at.
+__attribute__((target("avx2"))) std::size_t findBytesAvx2(const char* h, std::size_t n,
+                                                          const char* w, std::size_t m,
+                                                          std::size_t& i) {
+    const std::size_t middle = m / 2;
+    const __m256i first = _mm256_set1_epi8(w[0]);
+    const __m256i centre = _mm256_set1_epi8(w[middle]);
+    const __m256i last = _mm256_set1_epi8(w[m - 1]);
+    for (; i + m - 1 + 32 <= n; i += 32) {
+        const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(h + i));
+        const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(h + i + middle));
+        const __m256i c = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(h + i + m - 1));
+        const __m256i hits = _mm256_and_si256(
+            _mm256_and_si256(_mm256_cmpeq_epi8(a, first), _mm256_cmpeq_epi8(b, centre)),
+            _mm256_cmpeq_epi8(c, last));
+        const auto candidates = static_cast<std::uint32_t>(_mm256_movemask_epi8(hits));
+        if (candidates == 0) continue;
+        if (const std::size_t at = firstOccurrence(h, w, m, i, candidates);
+            at != std::string_view::npos) {
+            return at;
+        }
+    }
+    return std::string_view::npos;
+}
+
+bool hasAvx2() {
+    static const bool has = [] {
+        __builtin_cpu_init();  // may run before the library's own start-up code
+        return __builtin_cpu_supports("avx2") != 0;
+    }();
+    return has;
+}
+#endif
+
+// The first occurrence of `needle` (at least two bytes) in `haystack`. Many positions are checked
+// at once for the needle's first, middle and last bytes: bodies run to tens of kilobytes, most
+// of them are searched on every keystroke, and words from the same vocabulary share their first
+// and last letters often.
 std::size_t findBytes(std::string_view haystack, std::string_view needle) {
     const std::size_t m = needle.size();
     const std::size_t n = haystack.size();
     if (m > n) return std::string_view::npos;
     const char* h = haystack.data();
     const char* w = needle.data();
-    const std::size_t middle = m / 2;
     std::size_t i = 0;
+#if defined(__x86_64__)
+    if (hasAvx2()) {
+        if (const std::size_t at = findBytesAvx2(h, n, w, m, i); at != std::string_view::npos) {
+            return at;
+        }
+    }
+#endif
 #if defined(__SSE2__)
+    const std::size_t middle = m / 2;
     const __m128i first = _mm_set1_epi8(w[0]);
     const __m128i centre = _mm_set1_epi8(w[middle]);
     const __m128i last = _mm_set1_epi8(w[m - 1]);
@@ -47,11 +104,11 @@ std::size_t findBytes(std::string_view haystack, std::string_view needle) {
         const __m128i hits =
             _mm_and_si128(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, centre)),
                           _mm_cmpeq_epi8(c, last));
-        auto candidates = static_cast<unsigned>(_mm_movemask_epi8(hits));
-        while (candidates != 0) {
-            const auto bit = static_cast<std::size_t>(__builtin_ctz(candidates));
-            if (sameBytes(h + i + bit + 1, w + 1, m - 2)) return i + bit;
-            candidates &= candidates - 1;
+        const auto candidates = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+        if (candidates == 0) continue;
+        if (const std::size_t at = firstOccurrence(h, w, m, i, candidates);
+            at != std::string_view::npos) {
+            return at;
         }
     }
 #endif
@@ -74,21 +131,39 @@ std::size_t find(std::string_view haystack, std::string_view needle) {
 
 int scatteredScore(std::size_t gaps) { return std::max(20, 200 - 15 * static_cast<int>(gaps)); }
 
-// Both texts ASCII: a character is a byte.
-std::optional<int> scatteredAscii(std::string_view word, std::string_view text) {
-    const std::size_t limit = std::min(text.size(), kScatterReach);
-    const void* at = std::memchr(text.data(), word[0], limit);
+// A word of ASCII characters: each is one byte in the text too, so the text's bytes are compared
+// directly and its other characters only stepped over.
+std::optional<int> scatteredAsciiWord(std::string_view word, FoldedTextView text) {
+    const std::string_view t = text.bytes();
+    // A character takes one to four bytes, so the reach ends within this many.
+    const std::size_t bytesInReach =
+        std::min(t.size(), text.isAscii() ? kScatterReach : 4 * kScatterReach);
+    const void* at = std::memchr(t.data(), word[0], bytesInReach);
     if (!at) return std::nullopt;
-    std::size_t position = static_cast<std::size_t>(static_cast<const char*>(at) - text.data());
+    std::size_t position = static_cast<std::size_t>(static_cast<const char*>(at) - t.data());
+    // The character `position` starts, counted only once the bytes alone do not prove it in
+    // reach, then kept up to date.
+    std::optional<std::size_t> index;
+    const auto inReach = [&] {
+        if (position >= bytesInReach) return false;
+        if (position < kScatterReach) return true;
+        if (!index) index = folded::characterCount(t.substr(0, position));
+        return *index < kScatterReach;
+    };
+    const auto step = [&](std::size_t bytes) {
+        position += bytes;
+        if (index) ++*index;
+    };
+    if (!inReach()) return std::nullopt;
     std::size_t gaps = 0;
     for (std::size_t k = 1; k < word.size(); ++k) {
         std::size_t skipped = 0;
-        ++position;
+        step(1);  // past the last matched character, one byte
         while (true) {
-            if (position >= limit) return std::nullopt;
-            if (text[position] == word[k]) break;
+            if (!inReach()) return std::nullopt;
+            if (t[position] == word[k]) break;
             if (++skipped >= kGapLimit) return std::nullopt;
-            ++position;
+            step(folded::tokenLength(static_cast<unsigned char>(t[position])));
         }
         gaps += skipped;
     }
@@ -124,9 +199,7 @@ std::optional<int> scatteredTokens(const std::vector<std::uint32_t>& word, std::
 // The scattered match, for a word not found whole in the text.
 std::optional<int> scattered(const ClipSearchWord& word, FoldedTextView text) {
     if (word.characters().size() < 2) return std::nullopt;
-    if (text.isAscii() && word.folded().isAscii()) {
-        return scatteredAscii(word.folded().bytes(), text.bytes());
-    }
+    if (word.folded().isAscii()) return scatteredAsciiWord(word.folded().bytes(), text);
     return scatteredTokens(word.characters(), text.bytes());
 }
 
@@ -201,12 +274,15 @@ std::optional<int> wordScore(const FoldedText& word, const FoldedText& text) {
     return wordScore(ClipSearchWord(word), text);
 }
 
-std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchFields& fields) {
+std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchFields& fields,
+                                     std::optional<int> knownAppName) {
     int best = -1;
     if (auto score = textScore(word, fields.title)) best = 3 * *score;
     // A field is scored only when it could beat the best so far: the application name gives at
     // most 2,000 and the body at most 1,000, and the body is the long one.
-    if (best < 2000) {
+    if (knownAppName) {
+        best = std::max(best, *knownAppName);
+    } else if (best < 2000) {
         if (auto score = textScore(word, fields.appName)) best = std::max(best, 2 * *score);
     }
     if (best < 1000) {

@@ -58,7 +58,10 @@ std::optional<int> wordScore(const FoldedText& word, const FoldedText& text);
 
 // A word's best weighted score over an entry's fields (title ×3, application name ×2, body ×1);
 // nothing when it matches none. Thread: any.
-std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchFields& fields);
+// `knownAppName`, when given, is the weighted score of the word in the application name (-1 for
+// no match), and `fields.appName` is not read.
+std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchFields& fields,
+                                     std::optional<int> knownAppName = std::nullopt);
 std::optional<int> weightedWordScore(const ClipSearchWord& word, const ClipSearchEntry& entry);
 
 // The sum over the query's words of each word's best weighted score (title ×3, application name

@@ -120,6 +120,11 @@ std::uint64_t characterBit(std::uint32_t token);
 // The number of characters (tokens) in folded bytes.
 std::size_t characterCount(std::string_view bytes);
 
+// The bytes of the character whose first byte is `lead`.
+inline std::size_t tokenLength(unsigned char lead) {
+    return lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+}
+
 }  // namespace folded
 
 }  // namespace harbex
