@@ -32,6 +32,22 @@ namespace {
 constexpr double kRelaunchMarkLifetime = 60;
 
 QIcon trayIcon(bool paused) {
+// Gives freed memory back once a window has gone away: showing the panel or the library makes
+// and drops rows, texts and images whose pages would otherwise stay with the process while it
+// waits in the background.
+class ReleaseMemoryWhenHidden final : public QObject {
+public:
+    explicit ReleaseMemoryWhenHidden(QWidget& window) : QObject(&window) {
+        window.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Hide) QTimer::singleShot(0, this, [] { ::malloc_trim(0); });
+        return QObject::eventFilter(watched, event);
+    }
+};
+
     return QIcon(paused ? ":/harbex/tray-paused.svg" : ":/harbex/tray.svg");
 }
 
@@ -453,6 +469,7 @@ void AppDelegate::preparePanel() {
 }
 
 void AppDelegate::showPanel() {
+    new ReleaseMemoryWhenHidden(*panel_);
     if (!app_) return;
     preparePanel();
     if (panel_->isVisible()) {
@@ -515,6 +532,7 @@ void AppDelegate::showLibrary() {
     }
     // Return in the library pastes into the application that was in front before it.
     if (!libraryWindow_->isActiveWindow()) {
+        new ReleaseMemoryWhenHidden(*libraryWindow_);
         std::optional<ClipTargetApp> front = app_->frontmost().frontApp();
         if (front && front->pid == app_->frontmost().ownPid()) front.reset();
         libraryWindow_->setPasteTarget(front);
