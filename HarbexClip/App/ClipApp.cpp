@@ -88,6 +88,8 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
         .vocabulary = ClipKeyVocabulary::linuxNames,
     };
     app->engine_ = std::make_unique<ClipEngine>(std::move(environment));
+    app->sound_ = std::make_unique<CanberraSoundPlayer>();
+    app->copySound_ = std::make_unique<CopySound>(*app->engine_, *app->sound_);
 
     // Global shortcuts: grabs on the root window and the modifier watch for the double tap.
     app->registrar_ = std::make_unique<X11HotKeyRegistrar>(x11);

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "HarbexClip/App/CanberraSoundPlayer.hpp"
+#include "HarbexClip/App/CopySound.hpp"
 #include "HarbexClip/App/DBusDocumentNotifier.hpp"
 #include "HarbexClip/App/QtImageCodec.hpp"
 #include "HarbexClip/App/QtScheduler.hpp"
@@ -86,6 +88,8 @@ private:
     std::unique_ptr<DBusDocumentNotifier> notifier_;
     std::unique_ptr<ClipPinsBridge> pins_;
     std::unique_ptr<ClipEngine> engine_;
+    std::unique_ptr<SoundPlayer> sound_;
+    std::unique_ptr<CopySound> copySound_;  // plays the copy sound; goes before the engine
     std::unique_ptr<X11HotKeyRegistrar> registrar_;
     std::unique_ptr<X11ModifierMonitor> monitor_;
     ClipHotKeys::Actions hotKeyActions_;
