@@ -11,7 +11,8 @@
 #include <memory>
 #include <optional>
 
-#include "HarbexClip/Views/ClipPanelActionList.hpp"
+#include "HarbexClip/Views/ClipPanelActionDelegate.hpp"
+#include "HarbexClip/Views/ClipPanelActionListModel.hpp"
 #include "HarbexClip/Views/ClipPanelFilterBar.hpp"
 #include "HarbexClip/Views/ClipPanelImages.hpp"
 #include "HarbexClip/Views/ClipPanelListModel.hpp"
