@@ -19,6 +19,7 @@
 #include <set>
 
 #include "HarbexClip/App/ClipTimings.hpp"
+#include "HarbexClipCore/Panel/ClipCodeLanguage.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 
 // Resources compiled into a static library must be registered by hand, outside any namespace.
@@ -443,6 +444,7 @@ void AppDelegate::preparePanel() {
     panelModel_ = std::make_unique<ClipPanelModel>(
         engine, [] { return Date::fromUnix(double(QDateTime::currentMSecsSinceEpoch()) / 1000); },
         app_->schedule());
+    panelModel_->languages = ClipCodeLanguage::knownNames();
     ClipPanelServices services;
     services.readThumbnail = [this](const std::string& name) -> std::optional<Bytes> {
         auto bytes = app_->store().readThumbnail(name);
@@ -460,6 +462,7 @@ void AppDelegate::preparePanel() {
         return entry->icon;
     };
     services.defaults = &app_->defaults();
+    services.problem = &app_->engine().problem();
     panel_ = std::make_unique<ClipPanel>(
         *panelModel_, app_->focus(), [&engine] { return engine.settings().get(); },
         std::move(services));

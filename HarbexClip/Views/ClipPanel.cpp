@@ -221,6 +221,11 @@ ClipPanel::ClipPanel(ClipPanelModel& model, ClipPanelFocus& focus,
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(1, 1, 1, 1);
     layout->setSpacing(0);
+    if (services_.problem) {
+        problem_ = new ProblemBanner(*services_.problem, ProblemBanner::Shape::rounded, this);
+        problem_->setFont(small);
+        layout->addWidget(problem_);
+    }
     layout->addLayout(searchRow);
     layout->addLayout(filterRow);
     auto* bannerRow = new QHBoxLayout;
@@ -484,6 +489,10 @@ void ClipPanel::applyAppearance() {
     target_->setPalette(soft);
     hints_->setPalette(soft);
     empty_->setPalette(soft);
+    if (problem_) {
+        problem_->setShade(palette_.isDark ? ProblemBanner::Shade::dark
+                                           : ProblemBanner::Shade::light);
+    }
     banner_->setStyleSheet(QString("background:%1; color:%2; border-radius:6px;")
                                .arg(palette_.banner.name(QColor::HexArgb), palette_.text.name()));
     notice_->setStyleSheet(

@@ -20,6 +20,7 @@
 #include "HarbexClip/Views/ClipPanelPreviewPane.hpp"
 #include "HarbexClip/Views/ClipPanelRowDelegate.hpp"
 #include "HarbexClip/Views/ClipPanelServices.hpp"
+#include "HarbexClip/Views/ProblemBanner.hpp"
 #include "HarbexClipCore/Panel/ClipKeyPress.hpp"
 #include "HarbexClipCore/Panel/ClipPanelFocus.hpp"
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
@@ -61,6 +62,8 @@ public:
     ClipPanelPreviewPane* previewPane() const { return preview_; }
     QLabel* noticeLabel() const { return notice_; }
     QLabel* bannerLabel() const { return banner_; }
+    // The engine's problem at the top; absent when the services bring no problem to watch.
+    ProblemBanner* problemBanner() const { return problem_; }
     QLabel* emptyLabel() const { return empty_; }
     QLabel* hintsLabel() const { return hints_; }
     const ClipPanelPalette& colours() const { return palette_; }
@@ -100,6 +103,7 @@ private:
     ClipPanelPalette palette_;
     std::optional<ClipAppearance> appearance_;
 
+    ProblemBanner* problem_ = nullptr;
     QLineEdit* search_;
     QLabel* target_;
     ClipPanelFilterBar* filters_;

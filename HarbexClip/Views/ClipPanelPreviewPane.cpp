@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QFileInfo>
 #include <QFontDatabase>
+#include <QHBoxLayout>
 #include <QPainter>
 #include <QPainterPath>
 #include <QVBoxLayout>
@@ -29,6 +30,12 @@ ClipPanelPreviewPane::ClipPanelPreviewPane(ClipPanelImages& images, QWidget* par
     titleFont.setBold(true);
     title_->setFont(titleFont);
     title_->setMaximumHeight(44);
+    language_ = new QLabel(this);
+    language_->setTextFormat(Qt::PlainText);
+    QFont tagFont = font();
+    tagFont.setPixelSize(11);
+    language_->setFont(tagFont);
+    language_->hide();
 
     pages_ = new QStackedWidget(this);
     text_ = new QPlainTextEdit(pages_);
@@ -68,7 +75,12 @@ ClipPanelPreviewPane::ClipPanelPreviewPane(ClipPanelImages& images, QWidget* par
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 12, 16, 12);
     layout->setSpacing(8);
-    layout->addWidget(title_);
+    auto* heading = new QHBoxLayout;
+    heading->setContentsMargins(0, 0, 0, 0);
+    heading->setSpacing(8);
+    heading->addWidget(title_, 1);
+    heading->addWidget(language_, 0, Qt::AlignTop);
+    layout->addLayout(heading);
     layout->addWidget(pages_, 1);
     layout->addWidget(details_);
 }
@@ -77,9 +89,18 @@ void ClipPanelPreviewPane::setPalette(const ClipPanelPalette& palette) {
     palette_ = palette;
     QPalette qt = palette.qtPalette();
     QWidget::setPalette(qt);
+    // Set on the title itself: it does not reliably take the pane's text colour, which left it
+    // black on the dark panel.
+    QPalette heading = qt;
+    heading.setColor(QPalette::WindowText, palette.text);
+    title_->setPalette(heading);
     QPalette soft = qt;
     soft.setColor(QPalette::WindowText, palette.secondaryText);
     details_->setPalette(soft);
+    QColor tag = palette.secondaryText;
+    tag.setAlphaF(0.16);
+    language_->setStyleSheet(QString("background:%1; color:%2; border-radius:5px; padding:1px 6px;")
+                                 .arg(tag.name(QColor::HexArgb), palette.secondaryText.name()));
     QPalette code = qt;
     code.setColor(QPalette::Base, Qt::transparent);
     text_->setPalette(code);
@@ -95,6 +116,8 @@ void ClipPanelPreviewPane::showPreview(const std::optional<ClipPanelPreview>& pr
     shown_ = preview;
     image_ = QImage();
     colour_ = QColor();
+    language_->setVisible(preview && preview->language);
+    language_->setText(preview && preview->language ? qs(*preview->language) : QString());
     if (!preview) {
         title_->clear();
         text_->clear();

@@ -35,6 +35,8 @@ public:
     QString titleText() const { return title_->text(); }
     QString bodyText() const;
     QString detailsText() const { return details_->text(); }
+    // The tag naming a code copy's language; hidden when there is none.
+    QLabel* languageLabel() const { return language_; }
     // The picture area's image (images) or colour (colours).
     const QImage& image() const { return image_; }
     QColor colour() const { return colour_; }
@@ -49,6 +51,7 @@ private:
     ClipPanelPalette palette_;
     std::optional<ClipPanelPreview> shown_;
     QLabel* title_;
+    QLabel* language_;
     QStackedWidget* pages_;
     QPlainTextEdit* text_;
     QWidget* picture_;  // image or colour swatch, painted

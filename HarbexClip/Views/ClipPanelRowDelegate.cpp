@@ -132,6 +132,21 @@ void ClipPanelRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
         right -= kMarkSide + 8;
     }
 
+    if (look->language) {
+        // A code copy's language as a quiet tag beside the marks.
+        painter->setFont(small);
+        const QString name = QString::fromStdString(*look->language);
+        const qreal tagWidth = painter->fontMetrics().horizontalAdvance(name) + 12;
+        const QRectF tag(right - tagWidth, card.center().y() - 9, tagWidth, 18);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(selected ? withAlpha(palette_.selectedText, 0.18)
+                                   : withAlpha(palette_.secondaryText, 0.16));
+        painter->drawRoundedRect(tag, 5, 5);
+        painter->setPen(detailColour);
+        painter->drawText(tag, Qt::AlignCenter, name);
+        right -= tagWidth + 8;
+    }
+
     // Title and subtitle.
     const qreal left = well.right() + 11;
     const qreal width = std::max<qreal>(0, right - left);

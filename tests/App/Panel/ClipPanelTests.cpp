@@ -16,6 +16,7 @@
 #include <map>
 #include <memory>
 
+#include "HarbexClipCore/Panel/ClipCodeLanguage.hpp"
 #include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 #include "HarbexClipCore/Testing/MemoryDefaults.hpp"
 #include "HarbexClipCore/Testing/MemoryFrontmost.hpp"
@@ -171,6 +172,7 @@ protected:
         options.locale = "en_GB";
         model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),
                                                  scheduleFunction(scheduler), options);
+        model->languages = ClipCodeLanguage::knownNames();
         system.activateOther(kEditor);
         focus = std::make_unique<ClipPanelFocus>(system, activator, kPanelFocusSettle,
                                                  scheduleFunction(scheduler));
@@ -187,6 +189,7 @@ protected:
             return found->second;
         };
         services.defaults = &defaults;
+        services.problem = &engine.problem();
         panel = std::make_unique<ClipPanel>(
             *model, *focus, [this] { return engine.settings().get(); }, services);
         panel->present();
@@ -515,6 +518,74 @@ TEST_F(ClipPanelTests, SensitiveRowsAreDrawnConcealed) {
         }
     }
     EXPECT_EQ(hidden, 1);
+}
+
+TEST_F(ClipPanelTests, ACodeCopyShowsItsLanguageInItsRowAndPreview) {
+    start();
+    struct Case {
+        std::string title;
+        QString language;  // empty: no tag
+    };
+    const Case cases[] = {
+        {"fn main() {", "Rust"},
+        {"Thanks for the quick review! I’ll merge it after lunch.", ""},
+        {"#5E5CE6", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.title);
+        selectTitled(c.title);
+        const int row = panel->rows()->selectedRow();
+        ASSERT_GE(row, 0);
+        const std::optional<std::string>& tagged = panel->rows()->look(row).language;
+        EXPECT_EQ(tagged ? QString::fromStdString(*tagged) : QString(), c.language);
+        QLabel* label = panel->previewPane()->languageLabel();
+        EXPECT_EQ(label->isVisibleTo(panel.get()), !c.language.isEmpty());
+        if (!c.language.isEmpty()) {
+            EXPECT_EQ(label->text(), c.language);
+        }
+    }
+    selectTitled("fn main() {");
+    screenshot("panel-code-language-light.png");
+}
+
+TEST_F(ClipPanelTests, TheEnginesProblemStandsAtTheTopWhileThereIsOne) {
+    struct Case {
+        ClipAppearance appearance;
+        ProblemBanner::Shade shade;
+        const char* screenshot;
+    };
+    const Case cases[] = {
+        {ClipAppearance::light, ProblemBanner::Shade::light, "panel-problem-light.png"},
+        {ClipAppearance::dark, ProblemBanner::Shade::dark, "panel-problem-dark.png"},
+    };
+    const std::string message =
+        "Harbex Clipboard can’t read your history. It was kept aside and a new one begun.";
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.screenshot);
+        panel.reset();
+        engine.problem().set(std::nullopt);
+        start(c.appearance);
+        ProblemBanner* banner = panel->problemBanner();
+        ASSERT_NE(banner, nullptr);
+        EXPECT_FALSE(banner->isVisibleTo(panel.get()));
+
+        engine.problem().set(message);
+        EXPECT_TRUE(banner->isVisibleTo(panel.get()));
+        EXPECT_EQ(banner->text().toStdString(), message);
+        EXPECT_EQ(banner->shade(), c.shade);
+        panel->layout()->activate();
+        EXPECT_LT(banner->geometry().bottom(), panel->searchField()->geometry().top())
+            << "the problem stands above the search field";
+        const QImage written(screenshot(c.screenshot));
+        // Past the box's own margin (12 across, 10 down), above the text.
+        const QPoint inside = banner->geometry().topLeft() + QPoint(16, 12);
+        EXPECT_EQ(ProblemBanner::shadeFor(panel->palette()), c.shade);
+        EXPECT_NE(written.pixelColor(inside).rgb(), panel->colours().background.rgb())
+            << "the banner has its own fill";
+
+        engine.problem().set(std::nullopt);
+        EXPECT_FALSE(banner->isVisibleTo(panel.get()));
+    }
 }
 
 TEST_F(ClipPanelTests, ScreenshotsOfAVariedHistory) {
