@@ -1,5 +1,7 @@
 #include "HarbexClip/Views/LibraryListModel.hpp"
 
+#include <QMimeData>
+
 #include <algorithm>
 
 namespace harbex {
@@ -75,8 +77,67 @@ QVariant LibraryListModel::data(const QModelIndex& index, int role) const {
 }
 
 Qt::ItemFlags LibraryListModel::flags(const QModelIndex& index) const {
-    if (!index.isValid() || isHeading(index.row())) return Qt::NoItemFlags;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    const bool rearranging = rearranging_ == Rearranging::on;
+    // Drops land between rows, which Qt asks of the root.
+    if (!index.isValid()) return rearranging ? Qt::ItemIsDropEnabled : Qt::NoItemFlags;
+    if (isHeading(index.row())) return Qt::NoItemFlags;
+    const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    return rearranging ? flags | Qt::ItemIsDragEnabled : flags;
+}
+
+Qt::DropActions LibraryListModel::supportedDragActions() const { return Qt::MoveAction; }
+
+Qt::DropActions LibraryListModel::supportedDropActions() const { return Qt::MoveAction; }
+
+QStringList LibraryListModel::mimeTypes() const { return {kMimeType}; }
+
+QMimeData* LibraryListModel::mimeData(const QModelIndexList& indexes) const {
+    for (const QModelIndex& index : indexes) {
+        if (const ClipItem* copy = item(index.row())) {
+            auto* data = new QMimeData;
+            data->setData(kMimeType, QByteArray::fromStdString(copy->id.string()));
+            return data;
+        }
+    }
+    return nullptr;
+}
+
+int LibraryListModel::copiesBefore(int row) const {
+    int copies = 0;
+    for (int r = 0; r < row && r < rowCount(); ++r) {
+        if (!isHeading(r)) ++copies;
+    }
+    return copies;
+}
+
+std::optional<LibraryListModel::Drop> LibraryListModel::dropOf(const QMimeData* data, int row,
+                                                               const QModelIndex& parent) const {
+    if (rearranging_ != Rearranging::on || !data || !data->hasFormat(kMimeType)) return {};
+    const auto id = Uuid::parse(data->data(kMimeType).toStdString());
+    if (!id) return {};
+    const int from = rowOf(*id);
+    if (from < 0) return {};
+    if (parent.isValid()) row = parent.row();  // onto a row: before it
+    if (row < 0 || row > rowCount()) row = rowCount();
+    // `row` is where the copy would be inserted; once it has left its own place, a copy dropped
+    // below itself ends one place higher.
+    const int before = copiesBefore(row);
+    const int own = copiesBefore(from);
+    return Drop{*id, before > own ? before - 1 : before};
+}
+
+bool LibraryListModel::canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int,
+                                       const QModelIndex& parent) const {
+    return action == Qt::MoveAction && dropOf(data, row, parent).has_value();
+}
+
+bool LibraryListModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int,
+                                    const QModelIndex& parent) {
+    if (action != Qt::MoveAction) return false;
+    const std::optional<Drop> drop = dropOf(data, row, parent);
+    if (!drop) return false;
+    emit moveRequested(QString::fromStdString(drop->id.string()), drop->index);
+    return true;
 }
 
 }  // namespace harbex

@@ -62,18 +62,27 @@ QString colorLabel(std::string_view name) {
     return text;
 }
 
-// Return and Enter paste from the list; the view's own handling of them does nothing useful.
-class ReturnFilter final : public QObject {
+// The list's own keys: Return and Enter paste (the view's handling of them does nothing
+// useful); Alt+Up and Alt+Down move the selected copy on the pinboard being shown.
+class ListKeyFilter final : public QObject {
 public:
-    ReturnFilter(QObject* parent, std::function<void()> onReturn)
-        : QObject(parent), onReturn_(std::move(onReturn)) {}
+    ListKeyFilter(QObject* parent, std::function<void()> onReturn,
+                  std::function<bool(ClipLibraryViewModel::Step)> onMove)
+        : QObject(parent), onReturn_(std::move(onReturn)), onMove_(std::move(onMove)) {}
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::KeyPress) {
             const auto* key = static_cast<QKeyEvent*>(event);
-            const bool plain =
-                key->modifiers() == Qt::NoModifier || key->modifiers() == Qt::KeypadModifier;
-            if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && plain) {
+            const Qt::KeyboardModifiers modifiers = key->modifiers() & ~Qt::KeypadModifier;
+            if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) &&
+                modifiers == Qt::NoModifier) {
                 onReturn_();
+                return true;
+            }
+            if ((key->key() == Qt::Key_Up || key->key() == Qt::Key_Down) &&
+                modifiers == Qt::AltModifier) {
+                // Taken even at either end, so the selection does not wander off instead.
+                (void)onMove_(key->key() == Qt::Key_Up ? ClipLibraryViewModel::Step::up
+                                                       : ClipLibraryViewModel::Step::down);
                 return true;
             }
         }
@@ -82,6 +91,7 @@ public:
 
 private:
     std::function<void()> onReturn_;
+    std::function<bool(ClipLibraryViewModel::Step)> onMove_;
 };
 
 }  // namespace
@@ -99,9 +109,7 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     auto* outer = new QVBoxLayout(central);
     outer->setContentsMargins(0, 0, 0, 0);
     outer->setSpacing(0);
-    problem_ = new QLabel;
-    problem_->setWordWrap(true);
-    problem_->setStyleSheet("QLabel { background: #fff3cd; color: #5c4400; padding: 6px 10px; }");
+    problem_ = new ProblemBanner(services_.engine.problem(), ProblemBanner::Shape::strip);
     outer->addWidget(problem_);
     message_ = new QLabel;
     message_->setWordWrap(true);
@@ -126,8 +134,6 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
     connect(thumbnails_, &LibraryThumbnails::ready, list_->viewport(),
             qOverload<>(&QWidget::update));
     revisionWatch_ = model_->revision().subscribe([this](std::uint64_t) { render(); });
-    problemWatch_ = services_.engine.problem().subscribe(
-        [this](const std::optional<std::string>&) { render(); });
     settingsWatch_ =
         services_.engine.settings().subscribe([this](const ClipSettings&) { applyAppearance(); });
     applyAppearance();
@@ -137,7 +143,6 @@ LibraryWindow::LibraryWindow(LibraryWindowServices services, QWidget* parent)
 
 LibraryWindow::~LibraryWindow() {
     revisionWatch_.cancel();
-    problemWatch_.cancel();
     settingsWatch_.cancel();
     if (transfer_) {
         *stopTransfer_ = true;
@@ -276,7 +281,21 @@ QWidget* LibraryWindow::buildMiddle() {
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list_->setFrameShape(QFrame::NoFrame);
     list_->setContextMenuPolicy(Qt::CustomContextMenu);
-    list_->installEventFilter(new ReturnFilter(list_, [this] { pasteSelected(); }));
+    list_->installEventFilter(new ListKeyFilter(
+        list_, [this] { pasteSelected(); },
+        [this](ClipLibraryViewModel::Step step) { return model_->moveSelectedOnPinboard(step); }));
+    // Copies on a pinboard are rearranged by dragging them between the others; the drop is
+    // handed to the model after the drag has finished, so the rows are not rebuilt under it.
+    list_->setDragDropOverwriteMode(false);
+    list_->setDropIndicatorShown(true);
+    list_->setDefaultDropAction(Qt::MoveAction);
+    connect(
+        listModel_, &LibraryListModel::moveRequested, this,
+        [this](const QString& id, int index) {
+            if (auto copy = Uuid::parse(id.toStdString()); copy && index >= 0)
+                model_->moveOnPinboard(*copy, static_cast<std::size_t>(index));
+        },
+        Qt::QueuedConnection);
     listStack_->addWidget(list_);
     empty_ = new QLabel;
     empty_->setAlignment(Qt::AlignCenter);
@@ -408,6 +427,7 @@ void LibraryWindow::applyAppearance() {
     if (appearance_ == appearance) return;
     appearance_ = appearance;
     setPalette(libraryPalette(appearance, QApplication::palette()));
+    problem_->setShade(ProblemBanner::shadeFor(palette()));
     // The painted icons take their colour from the palette.
     const QColor glyph = palette().color(QPalette::Text);
     if (listButton_)
@@ -421,9 +441,6 @@ void LibraryWindow::applyAppearance() {
 void LibraryWindow::render() {
     if (rendering_) return;
     rendering_ = true;
-    const std::optional<std::string>& problem = services_.engine.problem().get();
-    problem_->setVisible(problem.has_value());
-    problem_->setText(problem ? qs(*problem) : QString());
     message_->setVisible(!message_->text().isEmpty());
     const int sortIndex = sort_->findData(static_cast<int>(model_->sort()));
     if (sort_->currentIndex() != sortIndex) sort_->setCurrentIndex(sortIndex);
@@ -517,6 +534,11 @@ void LibraryWindow::renderList() {
         list_->setWrapping(grid);
         list_->setSpacing(grid ? 2 : 0);
     }
+    const bool rearranging = model_->canRearrange();
+    listModel_->setRearranging(rearranging ? LibraryListModel::Rearranging::on
+                                           : LibraryListModel::Rearranging::off);
+    list_->setDragDropMode(rearranging ? QAbstractItemView::DragDrop
+                                       : QAbstractItemView::NoDragDrop);
     const bool changed = listModel_->setGroups(model_->groups(), pinned);
     if (relayout && !changed) list_->doItemsLayout();
 
@@ -673,6 +695,19 @@ std::unique_ptr<QMenu> LibraryWindow::copyMenu() {
     if (model_->section().kind == ClipLibrarySection::Kind::pinboard) {
         menu->addAction(tr("Remove from Pinboard"), this,
                         [this] { model_->removeSelectedFromPinboard(); });
+    }
+    if (model_->canRearrange()) {
+        const std::vector<ClipItem>& listed = model_->items();
+        const auto at = std::ranges::find(listed, *model_->selectedID(), &ClipItem::id);
+        using Step = ClipLibraryViewModel::Step;
+        QAction* up = menu->addAction(tr("Move Up"), this,
+                                      [this] { model_->moveSelectedOnPinboard(Step::up); });
+        up->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Up));
+        up->setEnabled(at != listed.begin() && at != listed.end());
+        QAction* down = menu->addAction(tr("Move Down"), this,
+                                        [this] { model_->moveSelectedOnPinboard(Step::down); });
+        down->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Down));
+        down->setEnabled(at != listed.end() && std::next(at) != listed.end());
     }
     menu->addSeparator();
     menu->addAction(tr("Delete"), this, [this] { model_->remove(); });

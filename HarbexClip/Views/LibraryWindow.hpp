@@ -20,6 +20,7 @@
 
 #include "HarbexClip/Views/LibraryAppIcons.hpp"
 #include "HarbexClip/Views/LibraryThumbnails.hpp"
+#include "HarbexClip/Views/ProblemBanner.hpp"
 #include "HarbexClipCore/Library/ClipLibraryViewModel.hpp"
 #include "HarbexClipCore/Settings/ClipDefaults.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsChoices.hpp"
@@ -92,7 +93,7 @@ public:
     QPushButton* boardButton() const { return board_; }
     QPushButton* unboardButton() const { return unboard_; }
     QLabel* noticeLabel() const { return notice_; }
-    QLabel* problemLabel() const { return problem_; }
+    ProblemBanner* problemLabel() const { return problem_; }
     QLabel* emptyLabel() const { return empty_; }
     QLabel* messageLabel() const { return message_; }
     LibraryThumbnails& thumbnails() { return *thumbnails_; }
@@ -154,7 +155,6 @@ private:
     std::vector<ClipLibrarySection> sections_;  // one per sidebar row
     QStringList sidebarKey_;                    // what the sidebar shows, to skip rebuilding it
     Subscription revisionWatch_;
-    Subscription problemWatch_;
     Subscription settingsWatch_;
     bool rendering_ = false;
     std::optional<ClipAppearance> appearance_;
@@ -164,7 +164,7 @@ private:
     std::shared_ptr<std::atomic<bool>> stopTransfer_;
 
     LibraryThumbnails* thumbnails_ = nullptr;
-    QLabel* problem_ = nullptr;
+    ProblemBanner* problem_ = nullptr;
     QLabel* message_ = nullptr;
     LibrarySidebar* sidebar_ = nullptr;
     QLineEdit* search_ = nullptr;

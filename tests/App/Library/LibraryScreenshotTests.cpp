@@ -177,5 +177,38 @@ TEST_F(LibraryScreenshotTests, ListGridAndDarkScreenshotsAreWrittenToTheBuildFol
     }
 }
 
+TEST_F(LibraryScreenshotTests, TheProblemStripReadsInLightAndDark) {
+    struct Case {
+        ClipAppearance appearance;
+        ProblemBanner::Shade shade;
+        const char* name;
+    };
+    const Case cases[] = {
+        {ClipAppearance::light, ProblemBanner::Shade::light, "library-problem-light.png"},
+        {ClipAppearance::dark, ProblemBanner::Shade::dark, "library-problem-dark.png"},
+    };
+    rig.engine->problem().set(
+        std::string("Harbex Clipboard can’t save your history: the disk is full."));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ClipSettings settings = rig.engine->settings().get();
+        settings.window.appearance = c.appearance;
+        rig.engine->updateSettings(settings);
+        ProblemBanner* strip = window->problemLabel();
+        ASSERT_TRUE(strip->isVisible());
+        EXPECT_EQ(strip->shade(), c.shade);
+        const QImage shot(shoot(c.name));
+        ASSERT_FALSE(shot.isNull());
+        const qreal ratio = window->devicePixelRatio();
+        const QPoint inside = strip->mapTo(window.get(), QPoint(3, 3)) * ratio;
+        const QColor fill = shot.pixelColor(inside);
+        // Light amber on a light window, dark amber on a dark one.
+        EXPECT_EQ(fill.lightnessF() > 0.5, c.shade == ProblemBanner::Shade::light);
+        EXPECT_GT(fill.red(), fill.blue()) << "amber, not grey";
+    }
+    rig.engine->problem().set(std::nullopt);
+    EXPECT_FALSE(window->problemLabel()->isVisible());
+}
+
 }  // namespace
 }  // namespace harbex
