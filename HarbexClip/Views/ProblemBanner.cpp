@@ -7,8 +7,9 @@ ProblemBanner::ProblemBanner(Observable<std::optional<std::string>>& problem, Sh
     : QLabel(parent), shape_(shape) {
     setObjectName("problemBanner");
     setWordWrap(true);
-    // The message may name a file or an error the user wants to look up.
-    setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // In a window the message may be selected (it may name a file or an error to look up); in
+    // the quick panel a click must not take the focus from the search field.
+    if (shape_ == Shape::strip) setTextInteractionFlags(Qt::TextSelectableByMouse);
     applyStyle();
     showProblem(problem.get());
     watch_ = problem.subscribe(

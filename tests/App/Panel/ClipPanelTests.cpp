@@ -573,6 +573,7 @@ TEST_F(ClipPanelTests, TheEnginesProblemStandsAtTheTopWhileThereIsOne) {
         EXPECT_TRUE(banner->isVisibleTo(panel.get()));
         EXPECT_EQ(banner->text().toStdString(), message);
         EXPECT_EQ(banner->shade(), c.shade);
+        EXPECT_EQ(banner->focusPolicy(), Qt::NoFocus) << "the search field keeps the keys";
         panel->layout()->activate();
         EXPECT_LT(banner->geometry().bottom(), panel->searchField()->geometry().top())
             << "the problem stands above the search field";
