@@ -157,8 +157,8 @@ ClipStoreResult<ClipLibrary> ClipStore::load() {
 }
 
 // Saves encode and seal in the document buffer. A small history keeps the buffer from one save
-// to the next (fresh pages cost more than the encoding itself); a large one gives it back after
-// each write, so that an idle store holds no copy of the history.
+// to the next; a large one gives it back after each write, so that an idle store holds no copy
+// of the history, and the next save makes it again in one piece.
 ClipStoreResult<void> ClipStore::saveNow(const ClipLibrary& library) {
     prepareFolder();
     std::lock_guard guard(documentLock_);
@@ -167,12 +167,22 @@ ClipStoreResult<void> ClipStore::saveNow(const ClipLibrary& library) {
     const auto release = [&] {
         // Until sealed, the buffer holds the plain document.
         if (!sealed) OPENSSL_cleanse(buffer.data(), buffer.size());
-        if (buffer.capacity() > kDocumentBufferKeptBytes) std::string().swap(buffer);
+        if (buffer.capacity() <= kDocumentBufferKeptBytes) return;
+        // A small document made in the room of a large one keeps only the room it needs.
+        if (buffer.size() <= kDocumentBufferKeptBytes / 2) {
+            buffer.shrink_to_fit();
+        } else {
+            std::string().swap(buffer);
+        }
     };
+    // A buffer given back is made again at the last document's size (and a little more for
+    // growth), once, instead of doubling its way there.
+    buffer.reserve(lastDocumentBytes_ + lastDocumentBytes_ / 8);
     buffer.assign(kSealedHeaderSize, '\0');
     JsonTextWriter writer(buffer);
     writeJson(writer, library);
     buffer.append(kSealTagSize, '\0');
+    lastDocumentBytes_ = buffer.size();
     const std::span file(reinterpret_cast<std::uint8_t*>(buffer.data()), buffer.size());
     auto sealKey = key();
     if (!sealKey) {

@@ -141,6 +141,7 @@ private:
     // and a background write from overlapping.
     std::mutex documentLock_;
     std::string document_;
+    std::size_t lastDocumentBytes_ = 0;  // the size of the last document encoded
 
     ClipStoreOptions options_;
     std::once_flag folderPrepared_;
