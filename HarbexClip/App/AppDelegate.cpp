@@ -32,7 +32,6 @@ namespace {
 // A relaunch marker older than this belongs to an earlier run, not to this start.
 constexpr double kRelaunchMarkLifetime = 60;
 
-QIcon trayIcon(bool paused) {
 // Gives freed memory back once a window has gone away: showing the panel or the library makes
 // and drops rows, texts and images whose pages would otherwise stay with the process while it
 // waits in the background.
@@ -49,6 +48,7 @@ protected:
     }
 };
 
+QIcon trayIcon(bool paused) {
     return QIcon(paused ? ":/harbex/tray-paused.svg" : ":/harbex/tray.svg");
 }
 
@@ -469,10 +469,10 @@ void AppDelegate::preparePanel() {
     connect(panel_.get(), &ClipPanel::settingsRequested, this, [this] { showSettings(); });
     panel_->ensurePolished();
     panel_->createWinId();
+    new ReleaseMemoryWhenHidden(*panel_);
 }
 
 void AppDelegate::showPanel() {
-    new ReleaseMemoryWhenHidden(*panel_);
     if (!app_) return;
     preparePanel();
     if (panel_->isVisible()) {
@@ -532,10 +532,10 @@ void AppDelegate::showLibrary() {
             .defaults = &app_->defaults(),
         });
         libraryWindow_->setWindowIcon(QIcon(":/harbex/app.harbexapps.clip.svg"));
+        new ReleaseMemoryWhenHidden(*libraryWindow_);
     }
     // Return in the library pastes into the application that was in front before it.
     if (!libraryWindow_->isActiveWindow()) {
-        new ReleaseMemoryWhenHidden(*libraryWindow_);
         std::optional<ClipTargetApp> front = app_->frontmost().frontApp();
         if (front && front->pid == app_->frontmost().ownPid()) front.reset();
         libraryWindow_->setPasteTarget(front);
