@@ -187,8 +187,10 @@ TEST_F(LibraryScreenshotTests, TheProblemStripReadsInLightAndDark) {
         {ClipAppearance::light, ProblemBanner::Shade::light, "library-problem-light.png"},
         {ClipAppearance::dark, ProblemBanner::Shade::dark, "library-problem-dark.png"},
     };
-    rig.engine->problem().set(
-        std::string("Harbex Clipboard can’t save your history: the disk is full."));
+    // As the engine words a failed save.
+    rig.engine->problem().set(std::string(
+        "Harbex Clipboard couldn’t save its history: couldn’t write "
+        "“/home/sam/.local/share/Harbex Clipboard/History.sealed”: No space left on device"));
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ClipSettings settings = rig.engine->settings().get();

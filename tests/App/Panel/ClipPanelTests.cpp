@@ -558,8 +558,10 @@ TEST_F(ClipPanelTests, TheEnginesProblemStandsAtTheTopWhileThereIsOne) {
         {ClipAppearance::light, ProblemBanner::Shade::light, "panel-problem-light.png"},
         {ClipAppearance::dark, ProblemBanner::Shade::dark, "panel-problem-dark.png"},
     };
+    // The longest message the engine shows, to see it wrap.
     const std::string message =
-        "Harbex Clipboard can’t read your history. It was kept aside and a new one begun.";
+        "Harbex Clipboard can’t read its key from the keychain yet, so your history stays closed "
+        "for now and nothing new is kept. It tries again every half minute.";
     for (const Case& c : cases) {
         SCOPED_TRACE(c.screenshot);
         panel.reset();
