@@ -77,16 +77,14 @@ void ClipPanelModel::historyChanged() {
     for (const ClipItem& item : history) positions_.emplace(item.id, &item);
     pinnedIDs_.clear();
     extraPins_.clear();
+    // Room for every pin up front, so that the places taken below stay put.
     extraPins_.reserve(pins.size());
     for (const ClipItem& pin : pins) {
         pinnedIDs_.insert(pin.id);
-        const bool listed = positions_.contains(pin.id) ||
-                            std::ranges::any_of(extraPins_, [&](const ClipItem& extra) {
-                                return extra.id == pin.id;
-                            });
-        if (!listed) extraPins_.push_back(pin);
+        if (positions_.contains(pin.id)) continue;
+        extraPins_.push_back(pin);
+        positions_.emplace(pin.id, &extraPins_.back());
     }
-    for (const ClipItem& pin : extraPins_) positions_.emplace(pin.id, &pin);
     std::vector<Uuid> pinned(pinnedIDs_.begin(), pinnedIDs_.end());
     pinnedOrBoarded_ = pinnedOrOnPinboard(pinned, engine_.pinboards().get());
     index_.rebuild(history);
