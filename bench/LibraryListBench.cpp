@@ -4,7 +4,6 @@
 // the view). A frame well under 16 ms is what "scrolls smoothly" means here.
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
 #include <QImage>
 #include <QPainter>
 #include <QScrollBar>
@@ -15,25 +14,16 @@
 #include "HarbexClip/Views/LibraryWindow.hpp"
 #include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
+#include "tests/Support/OffscreenApplication.hpp"
 
 namespace harbex {
 namespace {
 
 constexpr std::size_t kCopies = 10000;
 
-QApplication& application() {
-    static int argc = 3;
-    static char name[] = "LibraryListBench";
-    static char platform[] = "-platform";
-    static char offscreen[] = "offscreen";
-    static char* argv[] = {name, platform, offscreen, nullptr};
-    static QApplication* app = new QApplication(argc, argv);
-    return *app;
-}
-
 struct Library {
     Library() : clock(Date{760000000}), scheduler(&clock), engine(clock, scheduler) {
-        application();
+        testing::offscreenApplication();
         engine.setItems(bench::makeSyntheticHistory(kCopies).items);
         window = std::make_unique<LibraryWindow>(LibraryWindowServices{
             .engine = engine,

@@ -17,19 +17,10 @@
 #include "HarbexClipCore/Testing/MemoryFrontmost.hpp"
 #include "HarbexClipCore/Testing/RecordingActivator.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
+#include "tests/Support/OffscreenApplication.hpp"
 
 namespace harbex {
 namespace {
-
-QApplication& application() {
-    static int argc = 3;
-    static char name[] = "PanelWindowBench";
-    static char platform[] = "-platform";
-    static char offscreen[] = "offscreen";
-    static char* argv[] = {name, platform, offscreen, nullptr};
-    static QApplication app(argc, argv);
-    return app;
-}
 
 struct Window {
     FixedClock clock{Date::fromUnix(1710426600)};
@@ -43,7 +34,7 @@ struct Window {
     QImage canvas;
 
     explicit Window(std::size_t count) {
-        application();
+        testing::offscreenApplication();
         ClipLibrary library = bench::makeSyntheticHistory(count);
         engine.setItems(std::move(library.items));
         ClipPanelModel::Options options;

@@ -23,16 +23,12 @@ FileError fileError(const char* operation, const fs::path& path, int code) {
     return FileError{operation, path.string(), code};
 }
 
-// Wipes key bytes handed over by the keyring once they have been copied or refused.
-struct CleansedBytes {
-    Bytes& bytes;
-    ~CleansedBytes() { OPENSSL_cleanse(bytes.data(), bytes.size()); }
-};
-
-// Wipes a buffer that held the plain history when it goes out of scope.
-struct CleansedText {
-    std::string& text;
-    ~CleansedText() { OPENSSL_cleanse(text.data(), text.size()); }
+// Wipes a buffer of secrets (key bytes from the keyring, the plain history) when it goes out of
+// scope, whatever path leaves it.
+template <class Buffer>
+struct Cleansed {
+    Buffer& buffer;
+    ~Cleansed() { OPENSSL_cleanse(buffer.data(), buffer.size()); }
 };
 
 ClipStoreResult<void> removeIfPresent(const fs::path& path) {
@@ -72,7 +68,7 @@ ClipStoreResult<SealKey> ClipStore::key() {
     auto stored = keyStore_->read();
     if (!stored) return std::unexpected(ClipStoreError::keychain(stored.error()));
     if (*stored) {
-        CleansedBytes cleanse{**stored};
+        Cleansed<Bytes> cleanse{**stored};
         // Bytes of another length are not ours to use or to overwrite: the history stays closed
         // and the item is left for the user to look at, just as with a locked keyring.
         auto existing = SealKey::fromBytes(**stored);
@@ -137,7 +133,7 @@ ClipStoreResult<ClipLibrary> ClipStore::load() {
     prepareFolder();
     const fs::path path = folder_ / kHistoryFileName;
     std::string buffer;
-    const CleansedText cleanse{buffer};
+    const Cleansed<std::string> cleanse{buffer};
     if (auto read = readFileInto(path, buffer); !read) {
         if (read.error().isNotFound()) return ClipLibrary{};
         return std::unexpected(read.error());

@@ -4,9 +4,9 @@
 
 namespace harbex::testing {
 
-// The one QApplication of a widget test program, drawing offscreen so that tests need no display.
-// Made on first use and kept for the life of the process: Qt allows only one, and suites of the
-// same program share it.
+// The one QApplication of a widget test or benchmark program, drawing offscreen so that tests need
+// no display. Made on first use and kept for the life of the process: Qt allows only one, and
+// suites of the same program share it.
 inline QApplication& offscreenApplication() {
     static int argc = 3;
     static char name[] = "HarbexWidgetTests";
