@@ -141,14 +141,6 @@ ClipSearchIndex::Record ClipSearchIndex::store(const ClipSearchEntry& entry) {
     return record;
 }
 
-namespace {
-
-std::size_t textsSize(const auto& record) {
-    return (record.hasPairs ? BytePairSet::kTableBytes : 0) + record.titleSize + record.bodySize;
-}
-
-}  // namespace
-
 void ClipSearchIndex::compact() {
     const std::vector<std::uint32_t>& newestFirst = order();
     std::string texts;
@@ -157,8 +149,8 @@ void ClipSearchIndex::compact() {
     records.reserve(records_.size());
     for (const std::uint32_t place : newestFirst) {
         Record record = records_[place];
-        texts.append(texts_, record.textsAt, textsSize(record));
-        record.textsAt = texts.size() - textsSize(record);
+        texts.append(texts_, record.textsAt, record.textsBytes());
+        record.textsAt = texts.size() - record.textsBytes();
         records.push_back(record);
     }
     texts_ = std::move(texts);
@@ -166,6 +158,11 @@ void ClipSearchIndex::compact() {
     deadBytes_ = 0;
     for (std::size_t i = 0; i < records_.size(); ++i) positions_[records_[i].id] = i;
     changed();
+}
+
+void ClipSearchIndex::compactIfWasteful() {
+    // Replaced texts stay in the block until they are a good part of it.
+    if (deadBytes_ > (1u << 20) && deadBytes_ > texts_.size() / 4) compact();
 }
 
 void ClipSearchIndex::rebuild(const std::vector<ClipItem>& items) {
@@ -191,14 +188,13 @@ void ClipSearchIndex::put(const ClipItem& item) {
     const ClipSearchEntry entry = ClipSearchEntry::make(item);
     if (auto found = positions_.find(item.id); found != positions_.end()) {
         Record& record = records_[found->second];
-        deadBytes_ += textsSize(record);
+        deadBytes_ += record.textsBytes();
         record = store(entry);
     } else {
         positions_.emplace(item.id, records_.size());
         records_.push_back(store(entry));
     }
-    // Replaced texts stay in the block until they are a good part of it.
-    if (deadBytes_ > (1u << 20) && deadBytes_ > texts_.size() / 4) compact();
+    compactIfWasteful();
 }
 
 void ClipSearchIndex::remove(const Uuid& id) {
@@ -209,13 +205,13 @@ void ClipSearchIndex::remove(const Uuid& id) {
     // the hole.
     const std::size_t position = found->second;
     positions_.erase(found);
-    deadBytes_ += textsSize(records_[position]);
+    deadBytes_ += records_[position].textsBytes();
     if (position + 1 != records_.size()) {
         records_[position] = records_.back();
         positions_[records_[position].id] = position;
     }
     records_.pop_back();
-    if (deadBytes_ > (1u << 20) && deadBytes_ > texts_.size() / 4) compact();
+    compactIfWasteful();
 }
 
 void ClipSearchIndex::clear() {

@@ -99,6 +99,10 @@ private:
         std::uint32_t source = 0;  // in `sources_`
         ClipKind kind = ClipKind::text;
         bool hasPairs = false;
+
+        std::size_t textsBytes() const {
+            return (hasPairs ? BytePairSet::kTableBytes : 0) + titleSize + bodySize;
+        }
     };
 
     // Where copies came from: the bundle identifier and the application's name as captured.
@@ -129,6 +133,7 @@ private:
     Record store(const ClipSearchEntry& entry);
     // Lays `texts_` out again without the texts of replaced and removed copies, newest first.
     void compact();
+    void compactIfWasteful();
 
     // In no particular order; `positions_` finds a copy's record.
     std::vector<Record> records_;
