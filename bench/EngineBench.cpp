@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "HarbexClipCore/Engine/ClipEngine.hpp"
 #include "HarbexClipCore/Testing/FixedClock.hpp"
 #include "HarbexClipCore/Testing/ManualScheduler.hpp"
 #include "HarbexClipCore/Testing/MemoryClipPins.hpp"

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "HarbexClipCore/Store/ClipStore.hpp"
-#include "HarbexClipCore/Store/MemoryKeyStore.hpp"
+#include "HarbexClipCore/Testing/MemoryKeyStore.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
 
 namespace harbex::bench {

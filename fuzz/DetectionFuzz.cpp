@@ -11,8 +11,8 @@
 
 #include "HarbexClipCore/Capture/CaptureRules.hpp"
 #include "HarbexClipCore/Capture/ClipDetector.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
 #include "HarbexClipCore/Capture/SensitiveDetector.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
 #include "HarbexClipCore/Testing/MemoryPasteboard.hpp"
 #include "HarbexClipCore/Testing/PngHeaderImageCodec.hpp"

@@ -21,7 +21,7 @@
 #include "HarbexClip/Linux/X11ModifierMonitor.hpp"
 #include "HarbexClip/Linux/X11Pasteboard.hpp"
 #include "HarbexClip/Linux/XTestPasteTyper.hpp"
-#include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "HarbexClipCore/Engine/ClipEngine.hpp"
 #include "HarbexClipCore/Panel/ClipHotKeys.hpp"
 #include "HarbexClipCore/Panel/ClipPanelFocus.hpp"
 #include "HarbexClipCore/Paste/ClipPaster.hpp"

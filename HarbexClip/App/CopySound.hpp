@@ -1,7 +1,7 @@
 #pragma once
 
 #include "HarbexClip/App/SoundPlayer.hpp"
-#include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "HarbexClipCore/Engine/ClipEngine.hpp"
 
 namespace harbex {
 

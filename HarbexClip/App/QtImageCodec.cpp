@@ -6,7 +6,7 @@
 #include <QImageReader>
 #include <QImageWriter>
 
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 
 namespace harbex {
 

@@ -6,8 +6,8 @@
 #include <array>
 #include <cstring>
 
-#include "HarbexClipCore/Capture/FileUrls.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
 
 namespace harbex {

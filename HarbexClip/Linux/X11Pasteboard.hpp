@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "HarbexClip/Linux/X11Connection.hpp"
-#include "HarbexClipCore/Capture/ClipPasteboard.hpp"
+#include "HarbexClipCore/Pasteboard/ClipPasteboard.hpp"
 
 namespace harbex {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "HarbexClipCore/Capture/CaptureText.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
 #include "HarbexClipCore/Capture/PrivacyMarkers.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
 
 namespace harbex {

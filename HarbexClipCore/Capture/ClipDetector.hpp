@@ -6,7 +6,7 @@
 
 #include "HarbexClipCore/Capture/ClipImageCodec.hpp"
 #include "HarbexClipCore/Capture/DetectedClip.hpp"
-#include "HarbexClipCore/Capture/PasteboardSnapshot.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardSnapshot.hpp"
 #include "HarbexClipCore/Support/Date.hpp"
 
 namespace harbex {

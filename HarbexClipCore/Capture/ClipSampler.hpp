@@ -6,8 +6,8 @@
 
 #include "HarbexClipCore/Capture/CaptureRules.hpp"
 #include "HarbexClipCore/Capture/ClipDetector.hpp"
-#include "HarbexClipCore/Capture/ClipPasteboard.hpp"
 #include "HarbexClipCore/Capture/SkipReason.hpp"
+#include "HarbexClipCore/Pasteboard/ClipPasteboard.hpp"
 
 namespace harbex {
 

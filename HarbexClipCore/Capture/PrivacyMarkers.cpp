@@ -4,7 +4,7 @@
 #include <array>
 #include <unordered_set>
 
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 
 namespace harbex {
 namespace {

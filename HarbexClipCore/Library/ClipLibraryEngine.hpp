@@ -7,13 +7,13 @@
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
 #include "HarbexClipCore/Model/ClipLibrary.hpp"
-#include "HarbexClipCore/Panel/ClipPanelEngine.hpp"
+#include "HarbexClipCore/Paste/ClipViewEngine.hpp"
 
 namespace harbex {
 
 // What the library window needs of the clip engine beyond the panel's needs: editing, pinboard
 // upkeep and taking in an imported library. Thread: main.
-class ClipLibraryEngine : public ClipPanelEngine {
+class ClipLibraryEngine : public ClipViewEngine {
 public:
     // Edits the copy's text (ClipItem::edit); nothing when the copy is gone.
     virtual std::optional<ClipEditOutcome> edit(const Uuid& id, const std::string& text) = 0;

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "HarbexClipCore/Library/ClipLibraryModel.hpp"
-#include "HarbexClipCore/Panel/ClipPanelRow.hpp"
-#include "HarbexClipCore/Panel/ClipPanelText.hpp"
+#include "HarbexClipCore/Paste/ClipPasteNotice.hpp"
+#include "HarbexClipCore/Text/ClipDayGroups.hpp"
 
 namespace harbex {
 
@@ -300,20 +300,20 @@ void ClipLibraryViewModel::showNotice(std::string text) {
 
 void ClipLibraryViewModel::paste(std::optional<ClipPasteForm> form) {
     const ClipItem* item = selectedItem();
-    if (!item) return showNotice(std::string(ClipPanelText::kCannotPaste));
+    if (!item) return showNotice(std::string(ClipPasteNotice::kCannotPaste));
     switch (engine_.paste(*item, form, target_).outcome) {
         case PasteOutcome::pasted: notice_.reset(); break;
-        case PasteOutcome::copied: showNotice(ClipPanelText::copiedNotice(vocabulary_)); break;
-        case PasteOutcome::failed: showNotice(std::string(ClipPanelText::kCannotPaste)); break;
+        case PasteOutcome::copied: showNotice(ClipPasteNotice::copied(vocabulary_)); break;
+        case PasteOutcome::failed: showNotice(std::string(ClipPasteNotice::kCannotPaste)); break;
     }
 }
 
 void ClipLibraryViewModel::copy() {
     const ClipItem* item = selectedItem();
     if (!item || engine_.copy(*item).outcome == PasteOutcome::failed) {
-        return showNotice(std::string(ClipPanelText::kCannotCopy));
+        return showNotice(std::string(ClipPasteNotice::kCannotCopy));
     }
-    showNotice(ClipPanelText::copiedNotice(vocabulary_));
+    showNotice(ClipPasteNotice::copied(vocabulary_));
 }
 
 void ClipLibraryViewModel::togglePin() {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
+#include "HarbexClipCore/Settings/ClipPlatformWords.hpp"
 #include "HarbexClipCore/Settings/ClipShortcut.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
 #include "HarbexClipCore/Text/ColorParser.hpp"

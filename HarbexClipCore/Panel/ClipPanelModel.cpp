@@ -5,7 +5,8 @@
 
 #include "HarbexClipCore/Panel/ClipCodeLanguage.hpp"
 #include "HarbexClipCore/Panel/ClipPanelPlacement.hpp"
-#include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
+#include "HarbexClipCore/Paste/ClipPasteNotice.hpp"
+#include "HarbexClipCore/Settings/ClipPlatformWords.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
 #include "HarbexClipCore/Text/ColorParser.hpp"
 
@@ -50,7 +51,7 @@ std::optional<std::string> resultOf(const ClipPanelAction& action, const ClipIte
 
 }  // namespace
 
-ClipPanelModel::ClipPanelModel(ClipPanelEngine& engine, NowFunction now, ScheduleFunction schedule,
+ClipPanelModel::ClipPanelModel(ClipViewEngine& engine, NowFunction now, ScheduleFunction schedule,
                                Options options)
     : engine_(engine),
       now_(std::move(now)),
@@ -316,10 +317,10 @@ ClipPanelModel::Effect ClipPanelModel::pasteOutcome(const PasteResult& result) {
     switch (result.outcome) {
         case PasteOutcome::pasted: return Effect::pasted;
         case PasteOutcome::copied:
-            showNotice(ClipPanelText::copiedNotice(options_.vocabulary), true);
+            showNotice(ClipPasteNotice::copied(options_.vocabulary), true);
             return Effect::copied;
         case PasteOutcome::failed:
-            showNotice(std::string(ClipPanelText::kCannotPaste), false);
+            showNotice(std::string(ClipPasteNotice::kCannotPaste), false);
             return Effect::none;
     }
     return Effect::none;
@@ -351,7 +352,7 @@ ClipPanelModel::Effect ClipPanelModel::pasteStack() {
     }
     const std::string joined = PasteStack::join(texts, *separator);
     if (joined.empty()) {
-        showNotice(std::string(ClipPanelText::kCannotPaste), false);
+        showNotice(std::string(ClipPasteNotice::kCannotPaste), false);
         return Effect::none;
     }
     const Effect effect = pasteOutcome(engine_.pasteText(joined, target_));
@@ -373,7 +374,7 @@ ClipPanelModel::Effect ClipPanelModel::giveOutNext() {
     }
     const PasteResult result = engine_.copy(*positions_.at(*current));
     if (result.outcome == PasteOutcome::failed) {
-        showNotice(std::string(ClipPanelText::kCannotPaste), false);
+        showNotice(std::string(ClipPasteNotice::kCannotPaste), false);
         return Effect::none;
     }
     sequence_->wait(result.changeCount);
@@ -384,10 +385,10 @@ ClipPanelModel::Effect ClipPanelModel::giveOutNext() {
 ClipPanelModel::Effect ClipPanelModel::copySelected(const ClipItem& item) {
     const PasteResult result = engine_.copy(item);
     if (result.outcome == PasteOutcome::failed) {
-        showNotice(std::string(ClipPanelText::kCannotCopy), false);
+        showNotice(std::string(ClipPasteNotice::kCannotCopy), false);
         return Effect::none;
     }
-    showNotice(ClipPanelText::copiedNotice(options_.vocabulary), true);
+    showNotice(ClipPasteNotice::copied(options_.vocabulary), true);
     return Effect::copied;
 }
 

@@ -12,13 +12,13 @@
 
 #include "HarbexClipCore/Panel/ClipPanelAction.hpp"
 #include "HarbexClipCore/Panel/ClipPanelActions.hpp"
-#include "HarbexClipCore/Panel/ClipPanelEngine.hpp"
 #include "HarbexClipCore/Panel/ClipPanelKey.hpp"
 #include "HarbexClipCore/Panel/ClipPanelPreview.hpp"
 #include "HarbexClipCore/Panel/ClipPanelRow.hpp"
 #include "HarbexClipCore/Panel/ClipPanelRowLook.hpp"
 #include "HarbexClipCore/Panel/ClipPanelText.hpp"
 #include "HarbexClipCore/Paste/ClipStackSequence.hpp"
+#include "HarbexClipCore/Paste/ClipViewEngine.hpp"
 #include "HarbexClipCore/Paste/PasteStack.hpp"
 #include "HarbexClipCore/Support/Calendar.hpp"
 #include "HarbexClipCore/Support/Clock.hpp"
@@ -75,7 +75,7 @@ public:
 
     // `engine` is observed and must outlive the model. `now` and `schedule` are the injected
     // clock and deferral; a scheduled fade that runs after the model is gone does nothing.
-    ClipPanelModel(ClipPanelEngine& engine, NowFunction now, ScheduleFunction schedule,
+    ClipPanelModel(ClipViewEngine& engine, NowFunction now, ScheduleFunction schedule,
                    Options options = {});
     ~ClipPanelModel();
     ClipPanelModel(const ClipPanelModel&) = delete;
@@ -197,7 +197,7 @@ private:
     void updateActionPreview();
     const ClipPanelAction* selectedAction() const;
 
-    ClipPanelEngine& engine_;
+    ClipViewEngine& engine_;
     NowFunction now_;
     ScheduleFunction schedule_;
     Options options_;

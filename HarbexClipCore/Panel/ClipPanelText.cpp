@@ -7,8 +7,8 @@
 
 #include <memory>
 
-#include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
 #include "HarbexClipCore/Paste/ClipStackSequence.hpp"
+#include "HarbexClipCore/Settings/ClipPlatformWords.hpp"
 
 namespace harbex {
 
@@ -75,10 +75,6 @@ std::string formatted(Date date, const char* skeleton, const Calendar& calendar,
 }
 
 }  // namespace
-
-std::string ClipPanelText::copiedNotice(ClipKeyVocabulary vocabulary) {
-    return "Copied, press " + pasteKeys(vocabulary);
-}
 
 std::string_view ClipPanelText::filterTitle(ClipFilter filter) {
     switch (filter) {

@@ -25,13 +25,8 @@ struct ClipPanelMessage {
 // Mac" reads "this computer" in the Linux vocabulary. Thread: any.
 struct ClipPanelText {
     static constexpr std::string_view kSearchPlaceholder = "Search your clipboard";
-    static constexpr std::string_view kCannotPaste = "That copy can’t be pasted";
-    static constexpr std::string_view kCannotCopy = "That copy can’t be copied";
     static constexpr std::string_view kDoesNotApply = "That doesn’t work on this copy";
     static constexpr std::string_view kSavedAsNewCopy = "Saved as a new copy";
-
-    // "Copied, press ⌘V" / "Copied, press Ctrl+V".
-    static std::string copiedNotice(ClipKeyVocabulary vocabulary);
 
     // The filter's name on its tab: "All", "Pinned", "Text", "Links", "Images", "Files",
     // "Colours", "Code".

@@ -4,12 +4,12 @@
 #include <functional>
 #include <string>
 
-#include "HarbexClipCore/Capture/ClipPasteboard.hpp"
-#include "HarbexClipCore/Capture/PasteboardSnapshot.hpp"
 #include "HarbexClipCore/Paste/AppActivator.hpp"
 #include "HarbexClipCore/Paste/ClipTargetApp.hpp"
 #include "HarbexClipCore/Paste/PasteOutcome.hpp"
 #include "HarbexClipCore/Paste/PasteTyper.hpp"
+#include "HarbexClipCore/Pasteboard/ClipPasteboard.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardSnapshot.hpp"
 #include "HarbexClipCore/Support/Clock.hpp"
 
 namespace harbex {

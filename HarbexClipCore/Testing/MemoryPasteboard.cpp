@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "HarbexClipCore/Capture/FileUrls.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 
 namespace harbex {
 

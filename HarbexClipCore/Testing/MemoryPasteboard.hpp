@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "HarbexClipCore/Capture/ClipPasteboard.hpp"
+#include "HarbexClipCore/Pasteboard/ClipPasteboard.hpp"
 
 namespace harbex {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 
 namespace harbex {
 namespace {

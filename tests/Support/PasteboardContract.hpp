@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
-#include "HarbexClipCore/Capture/ClipPasteboard.hpp"
-#include "HarbexClipCore/Capture/FileUrls.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
 #include "HarbexClipCore/Capture/PrivacyMarkers.hpp"
+#include "HarbexClipCore/Pasteboard/ClipPasteboard.hpp"
+#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Testing/MemoryPasteboard.hpp"
 
 namespace harbex {

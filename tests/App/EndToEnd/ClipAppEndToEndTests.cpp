@@ -12,7 +12,7 @@
 #include <fstream>
 
 #include "HarbexClip/App/AppDelegate.hpp"
-#include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "HarbexClipCore/Engine/ClipEngine.hpp"
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
 #include "tests/Linux/Keyring/PrivateKeyring.hpp"
 #include "tests/Linux/X11/X11TestServer.hpp"

@@ -5,7 +5,7 @@
 #include <QPainter>
 
 #include "HarbexClip/App/QtImageCodec.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 
 namespace harbex {
 namespace {

@@ -7,8 +7,8 @@
 #include <QTemporaryDir>
 
 #include "HarbexClip/Views/LibraryItemDelegate.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
 #include "HarbexClipCore/Capture/SensitiveDetector.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 #include "tests/App/Library/LibraryTestWindow.hpp"
 

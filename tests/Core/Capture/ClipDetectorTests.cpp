@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "HarbexClipCore/Capture/FileUrls.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Support/Digest.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
 #include "HarbexClipCore/Testing/PngHeaderImageCodec.hpp"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Testing/MemoryPasteboard.hpp"
 #include "HarbexClipCore/Testing/PngHeaderImageCodec.hpp"
 

@@ -1,4 +1,4 @@
-#include "HarbexClipCore/Capture/FileUrls.hpp"
+#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
 
 #include <gtest/gtest.h>
 

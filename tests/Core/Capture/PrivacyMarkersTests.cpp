@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 
 namespace harbex {
 namespace {

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "HarbexClipCore/Capture/ClipEngine.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Engine/ClipEngine.hpp"
 #include "HarbexClipCore/Paste/ClipPaster.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Store/ClipStore.hpp"
 #include "HarbexClipCore/Testing/FixedClock.hpp"
 #include "HarbexClipCore/Testing/ManualScheduler.hpp"

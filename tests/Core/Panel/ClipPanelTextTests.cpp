@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "HarbexClipCore/Panel/ClipPanelText.hpp"
+#include "HarbexClipCore/Paste/ClipPasteNotice.hpp"
 #include "tests/Core/Panel/PanelTestSupport.hpp"
 
 namespace harbex {
@@ -31,8 +32,8 @@ TEST(ClipPanelTextTests, VocabularyChangesKeysAndPlatformWordsOnly) {
               "stays on this computer, encrypted.");
     EXPECT_EQ(ClipPanelText::emptyFilter(ClipFilter::all, kLinux),
               ClipPanelText::emptyHistory(kLinux));
-    EXPECT_EQ(ClipPanelText::copiedNotice(kMac), "Copied, press ⌘V");
-    EXPECT_EQ(ClipPanelText::copiedNotice(kLinux), "Copied, press Ctrl+V");
+    EXPECT_EQ(ClipPasteNotice::copied(kMac), "Copied, press ⌘V");
+    EXPECT_EQ(ClipPasteNotice::copied(kLinux), "Copied, press Ctrl+V");
 }
 
 TEST(ClipPanelTextTests, NoResultsNameTheFilterAndQuoteTheQuery) {

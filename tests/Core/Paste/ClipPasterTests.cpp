@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
 #include "HarbexClipCore/Panel/ClipPanelFocus.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Testing/ManualScheduler.hpp"
 #include "HarbexClipCore/Testing/MemoryFrontmost.hpp"
 #include "HarbexClipCore/Testing/MemoryPasteboard.hpp"

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "HarbexClipCore/Store/ClipStore.hpp"
-#include "HarbexClipCore/Store/MemoryKeyStore.hpp"
+#include "HarbexClipCore/Testing/MemoryKeyStore.hpp"
 #include "tests/Core/Store/StoreTestSupport.hpp"
 
 namespace harbex {

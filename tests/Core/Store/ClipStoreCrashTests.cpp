@@ -16,7 +16,7 @@
 #include <thread>
 
 #include "HarbexClipCore/Store/ClipStore.hpp"
-#include "HarbexClipCore/Store/MemoryKeyStore.hpp"
+#include "HarbexClipCore/Testing/MemoryKeyStore.hpp"
 #include "tests/Core/Store/CrashWriter/CrashLibrary.hpp"
 #include "tests/Core/Store/StoreTestSupport.hpp"
 

@@ -8,7 +8,7 @@
 #include <csignal>
 #include <fstream>
 
-#include "HarbexClipCore/Store/MemoryKeyStore.hpp"
+#include "HarbexClipCore/Testing/MemoryKeyStore.hpp"
 #include "HarbexClipCore/Testing/ScriptedKeyStore.hpp"
 #include "tests/Core/Store/StoreTestSupport.hpp"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "HarbexKit/MemoryDocumentNotifier.hpp"
+#include "HarbexKit/Testing/MemoryDocumentNotifier.hpp"
 
 namespace harbex {
 namespace {

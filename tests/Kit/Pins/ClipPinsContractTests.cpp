@@ -12,7 +12,7 @@
 
 #include "HarbexClipCore/Testing/MemoryClipPins.hpp"
 #include "HarbexKit/ClipPinsBridge.hpp"
-#include "HarbexKit/MemoryDocumentNotifier.hpp"
+#include "HarbexKit/Testing/MemoryDocumentNotifier.hpp"
 
 namespace harbex {
 namespace {

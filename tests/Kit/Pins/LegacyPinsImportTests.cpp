@@ -10,7 +10,7 @@
 
 #include "HarbexClipCore/Support/AtomicFile.hpp"
 #include "HarbexClipCore/Testing/MemoryDefaults.hpp"
-#include "HarbexKit/MemoryDocumentNotifier.hpp"
+#include "HarbexKit/Testing/MemoryDocumentNotifier.hpp"
 
 namespace harbex {
 namespace {

@@ -14,7 +14,7 @@
 
 #include "HarbexClipCore/Testing/FixedClock.hpp"
 #include "HarbexKit/ClipboardPins.hpp"
-#include "HarbexKit/MemoryDocumentNotifier.hpp"
+#include "HarbexKit/Testing/MemoryDocumentNotifier.hpp"
 
 namespace harbex {
 namespace {

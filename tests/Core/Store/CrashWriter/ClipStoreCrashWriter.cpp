@@ -12,7 +12,7 @@
 #include <string>
 
 #include "HarbexClipCore/Store/ClipStore.hpp"
-#include "HarbexClipCore/Store/MemoryKeyStore.hpp"
+#include "HarbexClipCore/Testing/MemoryKeyStore.hpp"
 #include "tests/Core/Store/CrashWriter/CrashLibrary.hpp"
 
 int main(int argc, char** argv) {

@@ -20,13 +20,14 @@ namespace harbex {
 // `pastesPlainByDefault` decides.
 enum class ClipPasteForm { rich, plain };
 
-// What the quick panel needs of the clip engine: its published state and the operations the
-// panel asks for. The engine owns the history; the panel only observes it and asks. Every
-// operation changes the published state before it returns, so observers see the result at once.
-// Thread: main.
-class ClipPanelEngine {
+// What the views of the history (the quick panel, and the library beyond it) need of the clip
+// engine: its published state and the ways of giving a copy back. It sits below both views so
+// that neither reaches into the other. The engine owns the history; a view only observes it and
+// asks. Every operation changes the published state before it returns, so observers see the
+// result at once. Thread: main.
+class ClipViewEngine {
 public:
-    virtual ~ClipPanelEngine() = default;
+    virtual ~ClipViewEngine() = default;
 
     // The copies, newest first.
     virtual Observable<std::vector<ClipItem>>& history() = 0;

@@ -1,4 +1,4 @@
-#include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
+#include "HarbexClipCore/Settings/ClipPlatformWords.hpp"
 
 #include "HarbexClipCore/Settings/ClipShortcut.hpp"
 

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "HarbexClipCore/Capture/PasteboardSnapshot.hpp"
-#include "HarbexClipCore/Capture/PasteboardTypes.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardSnapshot.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Support/EnumNames.hpp"
 
 namespace harbex {

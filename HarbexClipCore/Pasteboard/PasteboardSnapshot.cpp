@@ -1,6 +1,6 @@
-#include "HarbexClipCore/Capture/PasteboardSnapshot.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardSnapshot.hpp"
 
-#include "HarbexClipCore/Capture/FileUrls.hpp"
+#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
 
 namespace harbex {
 

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "HarbexClipCore/Capture/CaptureText.hpp"
-#include "HarbexClipCore/Capture/ClipEngine.hpp"
-#include "HarbexClipCore/Capture/FileUrls.hpp"
+#include "HarbexClipCore/Engine/ClipEngine.hpp"
+#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 
 namespace harbex {

@@ -1,4 +1,4 @@
-#include "HarbexKit/MemoryDocumentNotifier.hpp"
+#include "HarbexKit/Testing/MemoryDocumentNotifier.hpp"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "HarbexClipCore/Panel/ClipPanelRow.hpp"
+#include "HarbexClipCore/Text/ClipDayGroups.hpp"
 
 namespace harbex {
 

@@ -1,10 +1,10 @@
-#include "HarbexClipCore/Capture/ClipEngine.hpp"
+#include "HarbexClipCore/Engine/ClipEngine.hpp"
 
 #include <algorithm>
 #include <utility>
 
 #include "HarbexClipCore/Capture/CaptureText.hpp"
-#include "HarbexClipCore/Panel/ClipPlatformWords.hpp"
+#include "HarbexClipCore/Settings/ClipPlatformWords.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 #include "HarbexClipCore/Text/ClipTransform.hpp"
 
