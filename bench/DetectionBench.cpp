@@ -3,8 +3,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "HarbexClipCore/Capture/ClipCapture.hpp"
 #include "HarbexClipCore/Capture/ClipDetector.hpp"
-#include "HarbexClipCore/Capture/ClipSampler.hpp"
 #include "HarbexClipCore/Testing/MemoryPasteboard.hpp"
 #include "HarbexClipCore/Testing/PngHeaderImageCodec.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
@@ -53,10 +53,11 @@ BENCHMARK(detectMegabyteCopy)->Unit(benchmark::kMillisecond);
 void sampleWithoutChange(benchmark::State& state) {
     MemoryPasteboard pasteboard;
     pasteboard.copyText("unchanged");
-    ClipSampler sampler(pasteboard);
+    PngHeaderImageCodec codec;
+    ClipCapture capture(pasteboard, codec);
     const SampleInputs inputs;
-    sampler.sample(inputs);
-    for (auto _ : state) benchmark::DoNotOptimize(sampler.sample(inputs));
+    capture.sample(inputs);
+    for (auto _ : state) benchmark::DoNotOptimize(capture.sample(inputs));
 }
 BENCHMARK(sampleWithoutChange);
 

@@ -7,8 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "HarbexClipCore/Capture/DetectedClip.hpp"
 #include "HarbexClipCore/Capture/SkipReason.hpp"
 #include "HarbexClipCore/Model/ClipKind.hpp"
+#include "HarbexClipCore/Pasteboard/PasteboardSnapshot.hpp"
 #include "HarbexClipCore/Settings/ClipSettings.hpp"
 #include "HarbexClipCore/Support/Date.hpp"
 
@@ -27,6 +29,12 @@ struct CaptureRuleSettings {
                                     ClipKind::image};
     bool ignoresShortCopies = false;
     std::int64_t minimumLength = 0;
+    // How an accepted copy is shaped before it is kept.
+    bool ignoresSpacesOnly = true;
+    bool recognisesDetails = true;
+    bool stripsTrackingOnCopy = false;
+    ClipImageKeeping keepsImages = ClipImageKeeping::original;
+    std::int64_t imageLimit = ClipSettings{}.imageLimit;  // bytes
 
     // The fields of the user's settings record.
     static CaptureRuleSettings from(const ClipSettings& settings);
@@ -59,5 +67,13 @@ std::optional<SkipReason> skipBeforeReading(const DeclaredCopy& copy,
 // captures too.
 std::optional<SkipReason> skipAfterDetection(ClipKind kind, const std::optional<std::string>& text,
                                              const CaptureRuleSettings& settings);
+
+// The settings that shape an accepted entry: blank typed text is refused as `tooShort` while
+// `ignoresSpacesOnly` is on; details go when not recognised; tracking parameters leave links
+// when asked; an image is kept as copied (`snapshot`'s bytes) rather than re-encoded when
+// originals are kept. Returns a refusal when the entry is not to be kept.
+std::optional<SkipReason> shapeForSettings(DetectedClip& detected,
+                                           const PasteboardSnapshot& snapshot,
+                                           const CaptureRuleSettings& settings);
 
 }  // namespace harbex

@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "HarbexClipCore/Capture/CaptureText.hpp"
 #include "HarbexClipCore/Settings/ClipPlatformWords.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
-#include "HarbexClipCore/Text/ClipTransform.hpp"
 
 namespace harbex {
 
@@ -33,39 +31,6 @@ std::string openProblemMessage(const ClipStoreError& error) {
     return "Harbex Clipboard couldn’t open its history: " + error.description();
 }
 
-bool isTypedText(ClipKind kind) {
-    return kind == ClipKind::text || kind == ClipKind::richText || kind == ClipKind::code;
-}
-
-// The settings that shape an entry after detection: details, tracking parameters of links,
-// blank copies and how images are kept. Returns a refusal when the entry is not to be kept.
-std::optional<SkipReason> adjustForSettings(DetectedClip& detected,
-                                            const PasteboardSnapshot* snapshot,
-                                            const ClipSettings& settings) {
-    ClipItem& item = detected.item;
-    if (settings.window.ignoresSpacesOnly && isTypedText(item.kind) &&
-        trimmingWhiteSpace(item.text ? std::string_view(*item.text) : "").empty()) {
-        return SkipReason::tooShort();
-    }
-    if (!settings.window.recognisesDetails) item.details.clear();
-    if (settings.window.stripsTrackingOnCopy && item.kind == ClipKind::link && item.text) {
-        if (auto stripped = applyTransform(ClipTransform::stripTrackingFromLink, *item.text);
-            stripped && *stripped != *item.text) {
-            item.text = std::move(*stripped);
-            item.fingerprint = fingerprint(item.kind, item.text, item.filePaths, std::nullopt);
-        }
-    }
-    // Detection stores a smaller lossless encoding when there is one; keeping originals undoes
-    // that. The digest names the bytes as copied either way, so repeats still merge.
-    if (settings.window.keepsImages == ClipImageKeeping::original && item.image && snapshot &&
-        snapshot->image && detected.imageData && *detected.imageData != snapshot->image->data) {
-        item.image->type = snapshot->image->type;
-        item.image->byteCount = std::int64_t(snapshot->image->data.size());
-        detected.imageData = snapshot->image->data;
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 ClipEngine::ClipEngine(ClipEngineEnvironment environment, ClipEngineOptions options)
@@ -82,8 +47,7 @@ ClipEngine::ClipEngine(ClipEngineEnvironment environment, ClipEngineOptions opti
       calendar_(std::move(environment.calendar)),
       vocabulary_(environment.vocabulary),
       options_(options),
-      detector_(environment.imageCodec),
-      sampler_(environment.pasteboard) {
+      capture_(environment.pasteboard, environment.imageCodec) {
     ClipSettings loaded = ClipSettingsStore::load(defaults_);
     rules_ = CaptureRuleSettings::from(loaded);
     settings_.set(std::move(loaded));
@@ -120,16 +84,16 @@ void ClipEngine::sample() {
     if (isHeld_) return;
     if (!isHistoryOpen_.get() && !ensureHistoryOpen(OpenAttempt::whenDue)) {
         // Copies made while the history is closed are never captured later.
-        sampler_.consumeCurrentChange();
+        capture_.consumeCurrentChange();
         return;
     }
     if (saveFailures_->waiting.load(std::memory_order_acquire)) takeSaveFailures();
     if (nextExpiry_ && now_() >= *nextExpiry_) sweepExpired();
 
-    if (sampler_.lastCount() == pasteboard_.changeCount()) return;
+    if (capture_.lastCount() == pasteboard_.changeCount()) return;
     std::optional<std::string> appID = frontApp_ ? frontApp_() : std::nullopt;
     const SampleInputs inputs{appID, rules_, now_(), access_.get()};
-    SampleResult result = sampler_.sample(inputs);
+    SampleResult result = capture_.sample(inputs);
     switch (result.kind) {
         case SampleResult::Kind::unchanged:
         case SampleResult::Kind::notAllowed:
@@ -141,12 +105,12 @@ void ClipEngine::sample() {
 
 void ClipEngine::captureNow() {
     if (!ensureHistoryOpen(OpenAttempt::whenDue)) {
-        sampler_.consumeCurrentChange();
+        capture_.consumeCurrentChange();
         return;
     }
     std::optional<std::string> appID = frontApp_ ? frontApp_() : std::nullopt;
     const SampleInputs inputs{appID, rules_, now_(), access_.get()};
-    SampleResult result = sampler_.captureNow(inputs);
+    SampleResult result = capture_.captureNow(inputs);
     if (result.kind == SampleResult::Kind::skipped) {
         lastSkip_.setIfChanged(result.skip);
     } else if (result.kind == SampleResult::Kind::read) {
@@ -172,19 +136,10 @@ void ClipEngine::capture(const PasteboardSnapshot& read, const std::optional<std
         appID && appName_ ? appName_(*appID) : std::optional<std::string>();
     const DetectionContext context = detectionContext(appID, appName);
 
-    const PasteboardSnapshot* snapshot = &read;
-    PasteboardSnapshot withoutImage;
-    if (read.image && std::int64_t(read.image->data.size()) > settings_->imageLimit) {
-        // An image over the limit is not kept; whatever else the copy offers still may be.
-        withoutImage = read;
-        withoutImage.image.reset();
-        snapshot = &withoutImage;
-    }
-
-    const bool background =
-        snapshot->image && options_.imageDetection == ClipBackgroundWork::on && postToMain_;
+    const bool background = ClipCapture::decodesImage(read, rules_) &&
+                            options_.imageDetection == ClipBackgroundWork::on && postToMain_;
     if (!background) {
-        finishCapture(decideCapture(*snapshot, detector_, context, rules_), snapshot);
+        finishCapture(capture_.decide(read, context, rules_));
         return;
     }
 
@@ -199,30 +154,25 @@ void ClipEngine::capture(const PasteboardSnapshot& read, const std::optional<std
     std::weak_ptr<bool> alive = alive_;
     workers_.push_back(
         std::async(std::launch::async, [this, alive, post = postToMain_, context, rules = rules_,
-                                        snapshot = *snapshot, id = pendingCapture.id]() mutable {
-            CaptureDecision decision = decideCapture(snapshot, detector_, context, rules);
-            post([this, alive, id, decision = std::move(decision),
-                  snapshot = std::move(snapshot)]() mutable {
+                                        snapshot = read, id = pendingCapture.id]() mutable {
+            CaptureDecision decision = capture_.decide(snapshot, context, rules);
+            post([this, alive, id, decision = std::move(decision)]() mutable {
                 if (!alive.lock()) return;
                 auto list = pending_.get();
                 std::erase_if(list, [&](const ClipPendingCapture& p) { return p.id == id; });
                 pending_.set(std::move(list));
                 if (decision.clip) decision.clip->item.id = id;
-                finishCapture(std::move(decision), &snapshot);
+                finishCapture(std::move(decision));
             });
         }));
 }
 
-void ClipEngine::finishCapture(CaptureDecision decision, const PasteboardSnapshot* snapshot) {
+void ClipEngine::finishCapture(CaptureDecision decision) {
     if (decision.skip) {
         lastSkip_.setIfChanged(decision.skip);
         return;
     }
     if (!decision.clip || !isHistoryOpen_.get()) return;
-    if (auto skip = adjustForSettings(*decision.clip, snapshot, settings_.get())) {
-        lastSkip_.setIfChanged(skip);
-        return;
-    }
     if (!keep(std::move(*decision.clip))) return;
     lastSkip_.setIfChanged(std::nullopt);
     captured_.set(captured_.get() + 1);
@@ -322,7 +272,7 @@ bool ClipEngine::ensureHistoryOpen(OpenAttempt attempt) {
     }
 
     modelReset(std::move(library));
-    sampler_.consumeCurrentChange();
+    capture_.consumeCurrentChange();
     recomputeNextExpiry();
     isHistoryOpen_.set(true);
     if (startedAfresh) setProblem(unreadableHistoryProblemMessage(vocabulary_));

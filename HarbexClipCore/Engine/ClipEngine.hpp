@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
+#include "HarbexClipCore/Capture/ClipCapture.hpp"
 #include "HarbexClipCore/Capture/ClipDetector.hpp"
 #include "HarbexClipCore/Capture/ClipImageCodec.hpp"
-#include "HarbexClipCore/Capture/ClipSampler.hpp"
 #include "HarbexClipCore/Capture/SkipReason.hpp"
 #include "HarbexClipCore/Library/ClipLibraryEngine.hpp"
 #include "HarbexClipCore/Model/ClipHistory.hpp"
@@ -209,7 +209,7 @@ public:
     // The item with this id in the history or, failing that, among the pins.
     std::optional<ClipItem> item(const Uuid& id) const;
     // The change count last seen or written by the engine.
-    std::optional<std::int64_t> lastCount() const { return sampler_.lastCount(); }
+    std::optional<std::int64_t> lastCount() const { return capture_.lastCount(); }
     bool isSaveScheduled() const { return saveScheduled_; }
 
     // Writes a scheduled save at once and waits until the store has written everything;
@@ -218,7 +218,7 @@ public:
 
 private:
     void capture(const PasteboardSnapshot& snapshot, const std::optional<std::string>& appID);
-    void finishCapture(CaptureDecision decision, const PasteboardSnapshot* snapshot);
+    void finishCapture(CaptureDecision decision);
     DetectionContext detectionContext(const std::optional<std::string>& appID,
                                       const std::optional<std::string>& appName) const;
     // Inserts or merges the entry; false when it could not be kept (its image not stored).
@@ -271,7 +271,6 @@ private:
     Calendar calendar_;
     ClipKeyVocabulary vocabulary_;
     ClipEngineOptions options_;
-    ClipDetector detector_;
 
     // Published state.
     Observable<std::vector<ClipItem>> history_;
@@ -287,7 +286,7 @@ private:
 
     // The live history and what is kept beside it.
     ClipHistory model_;
-    ClipSampler sampler_;  // holds the change count last seen (`lastCount`)
+    ClipCapture capture_;  // holds the change count last seen (`lastCount`)
     CaptureRuleSettings rules_;
     bool saveScheduled_ = false;
     bool isHeld_ = false;

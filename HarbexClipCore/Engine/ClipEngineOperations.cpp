@@ -94,7 +94,7 @@ PasteResult ClipEngine::deliver(const Uuid& id, ClipPasteForm form,
     if (!found) return PasteResult{PasteOutcome::failed, pasteboard_.changeCount()};
     const PasteResult result = paster_.paste(payloadFor(*found, form), target);
     if (result.outcome == PasteOutcome::failed) return result;
-    sampler_.setLastCount(result.changeCount);
+    capture_.setLastCount(result.changeCount);
 
     const ClipItem* live = model_.item(id);
     if (!live || !isHistoryOpen_.get()) return result;
@@ -134,7 +134,7 @@ PasteResult ClipEngine::pasteText(const std::string& text,
     ClipPayload payload;
     if (!text.empty()) payload.text = text;
     const PasteResult result = paster_.paste(payload, target);
-    if (result.outcome != PasteOutcome::failed) sampler_.setLastCount(result.changeCount);
+    if (result.outcome != PasteOutcome::failed) capture_.setLastCount(result.changeCount);
     return result;
 }
 

@@ -1,22 +1,22 @@
-#include "HarbexClipCore/Capture/ClipSampler.hpp"
+#include "HarbexClipCore/Capture/ClipCapture.hpp"
 
 #include "HarbexClipCore/Capture/PrivacyMarkers.hpp"
 
 namespace harbex {
 
-SampleResult ClipSampler::sample(const SampleInputs& inputs) {
+SampleResult ClipCapture::sample(const SampleInputs& inputs) {
     const std::int64_t count = pasteboard_.changeCount();
     if (lastCount_ == count) return SampleResult{};
     lastCount_ = count;
     return look(inputs, CaptureMode::sampled);
 }
 
-SampleResult ClipSampler::captureNow(const SampleInputs& inputs) {
+SampleResult ClipCapture::captureNow(const SampleInputs& inputs) {
     lastCount_ = pasteboard_.changeCount();
     return look(inputs, CaptureMode::forced);
 }
 
-SampleResult ClipSampler::look(const SampleInputs& inputs, CaptureMode mode) {
+SampleResult ClipCapture::look(const SampleInputs& inputs, CaptureMode mode) {
     const std::vector<std::string> types = pasteboard_.types();
     const std::optional<std::string> hint = passwordManagerHint(pasteboard_, types);
     const DeclaredCopy copy{
@@ -31,18 +31,32 @@ SampleResult ClipSampler::look(const SampleInputs& inputs, CaptureMode mode) {
     return SampleResult{SampleResult::Kind::read, std::nullopt, std::move(snapshot)};
 }
 
-CaptureDecision decideCapture(const PasteboardSnapshot& snapshot, const ClipDetector& detector,
-                              const DetectionContext& context,
-                              const CaptureRuleSettings& settings) {
+bool ClipCapture::decodesImage(const PasteboardSnapshot& snapshot,
+                               const CaptureRuleSettings& settings) {
+    return snapshot.image && std::int64_t(snapshot.image->data.size()) <= settings.imageLimit;
+}
+
+CaptureDecision ClipCapture::decide(const PasteboardSnapshot& read, const DetectionContext& context,
+                                    const CaptureRuleSettings& settings) const {
     const std::optional<std::string_view> hint =
-        snapshot.passwordManagerHint
-            ? std::optional<std::string_view>(*snapshot.passwordManagerHint)
-            : std::nullopt;
-    if (isPrivate(snapshot.types, hint))
+        read.passwordManagerHint ? std::optional<std::string_view>(*read.passwordManagerHint)
+                                 : std::nullopt;
+    if (isPrivate(read.types, hint))
         return CaptureDecision{std::nullopt, SkipReason::markedPrivate()};
-    auto detected = detector.detect(snapshot, context);
+
+    const PasteboardSnapshot* snapshot = &read;
+    PasteboardSnapshot withoutImage;
+    if (read.image && !decodesImage(read, settings)) {
+        // An image over the limit is not kept; whatever else the copy offers still may be.
+        withoutImage = read;
+        withoutImage.image.reset();
+        snapshot = &withoutImage;
+    }
+    auto detected = detector_.detect(*snapshot, context);
     if (!detected) return CaptureDecision{};
     if (auto skip = skipAfterDetection(detected->item.kind, detected->item.text, settings))
+        return CaptureDecision{std::nullopt, std::move(skip)};
+    if (auto skip = shapeForSettings(*detected, *snapshot, settings))
         return CaptureDecision{std::nullopt, std::move(skip)};
     return CaptureDecision{std::move(detected), std::nullopt};
 }

@@ -6,6 +6,7 @@
 
 #include "HarbexClipCore/Capture/CaptureRules.hpp"
 #include "HarbexClipCore/Capture/ClipDetector.hpp"
+#include "HarbexClipCore/Capture/ClipImageCodec.hpp"
 #include "HarbexClipCore/Capture/SkipReason.hpp"
 #include "HarbexClipCore/Pasteboard/ClipPasteboard.hpp"
 
@@ -35,14 +36,28 @@ struct SampleInputs {
     ClipPasteboardAccess access = ClipPasteboardAccess::allowed;
 };
 
-// The first half of the engine's sampling: it remembers the change count last seen, and for a
-// new change reads the declared types, applies the rules that need no contents (own write,
-// private marker, pause, excluded application, password manager) and only then reads a
-// snapshot. Contents of a refused copy are never read. Main thread, like the pasteboard.
-class ClipSampler {
+// The outcome of deciding on one read snapshot: exactly one of `clip` and `skip` is set, or
+// neither when there is nothing worth keeping.
+struct CaptureDecision {
+    std::optional<DetectedClip> clip;
+    std::optional<SkipReason> skip;
+};
+
+// Every capture rule, in one place and in the order they apply. `sample` remembers the change
+// count last seen, and for a new change reads the declared types, applies the rules that need no
+// contents (own write, private marker, pause, excluded application, password manager) and only
+// then reads a snapshot, so the contents of a refused copy are never read. `decide` takes that
+// snapshot to the one decision: the private markers once more (a provider may declare them
+// late), the image limit, detection, the kind and length rules and the settings that shape an
+// entry. The engine only acts on the decision.
+//
+// Thread: main, like the pasteboard, except `decide`, which is pure and may run on any thread
+// (a large image is decoded on a worker).
+class ClipCapture {
 public:
-    // `pasteboard` must outlive the sampler.
-    explicit ClipSampler(ClipPasteboard& pasteboard) : pasteboard_(pasteboard) {}
+    // `pasteboard` and `imageCodec` must outlive the capture.
+    ClipCapture(ClipPasteboard& pasteboard, const ClipImageCodec& imageCodec)
+        : pasteboard_(pasteboard), detector_(imageCodec) {}
 
     std::optional<std::int64_t> lastCount() const { return lastCount_; }
     // Remembers `count` as seen: the engine's own writes, and the count when the history opens.
@@ -58,21 +73,18 @@ public:
     // an excluded application; own writes and private copies are still refused.
     SampleResult captureNow(const SampleInputs& inputs);
 
+    // Whether deciding on `snapshot` means decoding an image, worth a worker thread.
+    static bool decodesImage(const PasteboardSnapshot& snapshot,
+                             const CaptureRuleSettings& settings);
+    CaptureDecision decide(const PasteboardSnapshot& snapshot, const DetectionContext& context,
+                           const CaptureRuleSettings& settings) const;
+
 private:
     SampleResult look(const SampleInputs& inputs, CaptureMode mode);
 
     ClipPasteboard& pasteboard_;
+    ClipDetector detector_;
     std::optional<std::int64_t> lastCount_;
 };
-
-// The capture step for one read snapshot: the private markers once more (a provider may declare
-// them late), detection, then the kind and length rules. Exactly one of `clip` and `skip` is set,
-// or neither when there is nothing worth keeping. Pure; may run on any thread.
-struct CaptureDecision {
-    std::optional<DetectedClip> clip;
-    std::optional<SkipReason> skip;
-};
-CaptureDecision decideCapture(const PasteboardSnapshot& snapshot, const ClipDetector& detector,
-                              const DetectionContext& context, const CaptureRuleSettings& settings);
 
 }  // namespace harbex

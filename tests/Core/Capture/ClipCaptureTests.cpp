@@ -1,4 +1,4 @@
-#include "HarbexClipCore/Capture/ClipSampler.hpp"
+#include "HarbexClipCore/Capture/ClipCapture.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ using Kind = SampleResult::Kind;
 
 const Date kNow{700'000'000};
 
-class ClipSamplerTests : public testing::Test {
+class ClipCaptureTests : public testing::Test {
 protected:
     SampleInputs inputs(std::optional<std::string> front = std::nullopt) const {
         SampleInputs in;
@@ -26,30 +26,31 @@ protected:
     }
 
     MemoryPasteboard pasteboard_;
-    ClipSampler sampler_{pasteboard_};
+    PngHeaderImageCodec codec_;
+    ClipCapture capture_{pasteboard_, codec_};
     CaptureRuleSettings settings_;
     ClipPasteboardAccess access_ = ClipPasteboardAccess::allowed;
 };
 
-TEST_F(ClipSamplerTests, ASecondLookWithoutAChangeFindsNothing) {
+TEST_F(ClipCaptureTests, ASecondLookWithoutAChangeFindsNothing) {
     pasteboard_.copyText("hello");
-    const auto first = sampler_.sample(inputs());
+    const auto first = capture_.sample(inputs());
     EXPECT_EQ(first.kind, Kind::read);
     EXPECT_EQ(first.snapshot->string, "hello");
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::unchanged);
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::unchanged);
 }
 
-TEST_F(ClipSamplerTests, OurOwnWriteIsIgnoredByCountOrByMarker) {
-    sampler_.setLastCount(pasteboard_.write(ClipPayload{.text = "pasted"}, std::nullopt));
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::unchanged);
+TEST_F(ClipCaptureTests, OurOwnWriteIsIgnoredByCountOrByMarker) {
+    capture_.setLastCount(pasteboard_.write(ClipPayload{.text = "pasted"}, std::nullopt));
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::unchanged);
     // A write whose count was not recorded is still recognised by its marker.
     pasteboard_.write(ClipPayload{.text = "pasted again"}, std::nullopt);
     pasteboard_.forgetRequests();
-    EXPECT_EQ(sampler_.sample(inputs()).skip, SkipReason::ownCopy());
+    EXPECT_EQ(capture_.sample(inputs()).skip, SkipReason::ownCopy());
     EXPECT_TRUE(pasteboard_.requestedTypes().empty());
 }
 
-TEST_F(ClipSamplerTests, RefusedCopiesAreNeverRead) {
+TEST_F(ClipCaptureTests, RefusedCopiesAreNeverRead) {
     struct Case {
         const char* name;
         std::vector<Flavour> flavours;
@@ -78,58 +79,56 @@ TEST_F(ClipSamplerTests, RefusedCopiesAreNeverRead) {
     for (const auto& c : cases) {
         pasteboard_.copy(c.flavours);
         pasteboard_.forgetRequests();
-        const auto result = sampler_.sample(inputs(c.front));
+        const auto result = capture_.sample(inputs(c.front));
         EXPECT_EQ(result.kind, Kind::skipped) << c.name;
         EXPECT_EQ(result.skip, c.expected) << c.name;
         EXPECT_EQ(pasteboard_.requestedTypes(), c.requested) << c.name;
     }
 }
 
-TEST_F(ClipSamplerTests, ACopyMadeWhilePausedIsNotCapturedWhenThePauseEnds) {
+TEST_F(ClipCaptureTests, ACopyMadeWhilePausedIsNotCapturedWhenThePauseEnds) {
     settings_.pausedUntil = kNow + 60;
     pasteboard_.copyText("during the pause");
-    EXPECT_EQ(sampler_.sample(inputs()).skip, SkipReason::paused());
+    EXPECT_EQ(capture_.sample(inputs()).skip, SkipReason::paused());
     settings_.pausedUntil.reset();
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::unchanged);
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::unchanged);
 }
 
-TEST_F(ClipSamplerTests, CaptureNowOverridesPauseAndExclusionButNotPrivacy) {
+TEST_F(ClipCaptureTests, CaptureNowOverridesPauseAndExclusionButNotPrivacy) {
     settings_.pausedUntil = kNow + 60;
     settings_.excludedApps = {"org.example.excluded"};
     pasteboard_.copyText("wanted");
-    EXPECT_EQ(sampler_.sample(inputs("org.example.excluded")).skip, SkipReason::paused());
-    const auto forced = sampler_.captureNow(inputs("org.example.excluded"));
+    EXPECT_EQ(capture_.sample(inputs("org.example.excluded")).skip, SkipReason::paused());
+    const auto forced = capture_.captureNow(inputs("org.example.excluded"));
     EXPECT_EQ(forced.kind, Kind::read) << "even though the count was seen";
     EXPECT_EQ(forced.snapshot->string, "wanted");
 
     pasteboard_.copy({Flavour::text(kPlainTextType, "pw"), Flavour::text(kConcealedType, "")});
-    EXPECT_EQ(sampler_.captureNow(inputs()).skip, SkipReason::markedPrivate());
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::unchanged) << "captureNow consumed the count";
+    EXPECT_EQ(capture_.captureNow(inputs()).skip, SkipReason::markedPrivate());
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::unchanged) << "captureNow consumed the count";
 }
 
-TEST_F(ClipSamplerTests, NothingIsReadWithoutPermissionOrWhenNothingIsDeclared) {
+TEST_F(ClipCaptureTests, NothingIsReadWithoutPermissionOrWhenNothingIsDeclared) {
     access_ = ClipPasteboardAccess::denied;
     pasteboard_.copyText("secret plans");
     pasteboard_.forgetRequests();
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::notAllowed);
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::notAllowed);
     EXPECT_TRUE(pasteboard_.requestedTypes().empty());
 
     access_ = ClipPasteboardAccess::allowed;
     pasteboard_.clearByAnotherApp();
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::empty);
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::empty);
 }
 
-TEST_F(ClipSamplerTests, ConsumingTheCurrentChangeSkipsWhatIsThereNow) {
+TEST_F(ClipCaptureTests, ConsumingTheCurrentChangeSkipsWhatIsThereNow) {
     pasteboard_.copyText("before the history opened");
-    sampler_.consumeCurrentChange();
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::unchanged);
+    capture_.consumeCurrentChange();
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::unchanged);
     pasteboard_.copyText("after");
-    EXPECT_EQ(sampler_.sample(inputs()).kind, Kind::read);
+    EXPECT_EQ(capture_.sample(inputs()).kind, Kind::read);
 }
 
-TEST(ClipSamplerCaptureTests, DecisionsForReadSnapshots) {
-    PngHeaderImageCodec codec;
-    const ClipDetector detector(codec);
+TEST_F(ClipCaptureTests, DecisionsForReadSnapshots) {
     DetectionContext context;
     context.now = kNow;
     CaptureRuleSettings shortOnes;
@@ -138,31 +137,31 @@ TEST(ClipSamplerCaptureTests, DecisionsForReadSnapshots) {
     PasteboardSnapshot text;
     text.types = {std::string(kPlainTextType)};
     text.string = "hello";
-    auto decision = decideCapture(text, detector, context, CaptureRuleSettings{});
+    auto decision = capture_.decide(text, context, CaptureRuleSettings{});
     ASSERT_TRUE(decision.clip.has_value());
     EXPECT_EQ(decision.clip->item.text, "hello");
     EXPECT_FALSE(decision.skip.has_value());
 
     PasteboardSnapshot late = text;
     late.types.push_back("org.nspasteboard.TransientType");
-    EXPECT_EQ(decideCapture(late, detector, context, {}).skip, SkipReason::markedPrivate());
+    EXPECT_EQ(capture_.decide(late, context, {}).skip, SkipReason::markedPrivate());
 
     PasteboardSnapshot hinted = text;
     hinted.types.emplace_back(kPasswordManagerHintType);
     hinted.passwordManagerHint = "secret";
-    EXPECT_EQ(decideCapture(hinted, detector, context, {}).skip, SkipReason::markedPrivate());
+    EXPECT_EQ(capture_.decide(hinted, context, {}).skip, SkipReason::markedPrivate());
 
     PasteboardSnapshot code = text;
     code.string = "print(value)";
-    EXPECT_EQ(decideCapture(code, detector, context, {}).skip, SkipReason::kindOff());
+    EXPECT_EQ(capture_.decide(code, context, {}).skip, SkipReason::kindOff());
 
     PasteboardSnapshot tiny = text;
     tiny.string = "ok";
-    EXPECT_EQ(decideCapture(tiny, detector, context, shortOnes).skip, SkipReason::tooShort());
+    EXPECT_EQ(capture_.decide(tiny, context, shortOnes).skip, SkipReason::tooShort());
 
     PasteboardSnapshot nothing;
     nothing.types = {"x-unknown"};
-    decision = decideCapture(nothing, detector, context, {});
+    decision = capture_.decide(nothing, context, {});
     EXPECT_FALSE(decision.clip || decision.skip);
 }
 
