@@ -12,7 +12,7 @@
 
 #include "HarbexClip/Views/LibraryListModel.hpp"
 #include "HarbexClip/Views/LibraryWindow.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
 #include "tests/Support/OffscreenApplication.hpp"
 
@@ -22,9 +22,9 @@ namespace {
 constexpr std::size_t kCopies = 10000;
 
 struct Library {
-    Library() : clock(Date{760000000}), scheduler(&clock), engine(clock, scheduler) {
+    Library() {
         testing::offscreenApplication();
-        engine.setItems(bench::makeSyntheticHistory(kCopies).items);
+        rig.seed(bench::makeSyntheticHistory(kCopies).items);
         window = std::make_unique<LibraryWindow>(LibraryWindowServices{
             .engine = engine,
             .now = nowFunction(clock),
@@ -41,9 +41,13 @@ struct Library {
         QCoreApplication::processEvents();
     }
 
-    FixedClock clock;
-    ManualScheduler scheduler;
-    MemoryClipEngine engine;
+    testing::EngineRig rig{testing::EngineRigOptions{.withStore = false,
+                                                     .zone = "Europe/London",
+                                                     .now = Date{760000000},
+                                                     .keepsEverything = true}};
+    FixedClock& clock = rig.clock;
+    ManualScheduler& scheduler = rig.scheduler;
+    ClipEngine& engine = rig.start();
     std::unique_ptr<LibraryWindow> window;
 };
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
 
 namespace harbex {
@@ -38,14 +38,18 @@ double percentile95(std::vector<double> values) {
 }
 
 struct Panel {
-    FixedClock clock{Date::fromUnix(1710426600)};
-    ManualScheduler scheduler{&clock};
-    MemoryClipEngine engine{clock, scheduler};
+    testing::EngineRig rig{testing::EngineRigOptions{.withStore = false,
+                                                     .zone = "Europe/London",
+                                                     .now = Date::fromUnix(1710426600),
+                                                     .keepsEverything = true}};
+    FixedClock& clock = rig.clock;
+    ManualScheduler& scheduler = rig.scheduler;
+    ClipEngine& engine = rig.start();
     std::unique_ptr<ClipPanelModel> model;
 
     explicit Panel(std::size_t count) {
         ClipLibrary library = bench::makeSyntheticHistory(count);
-        engine.setItems(std::move(library.items));
+        rig.seed(std::move(library.items));
         ClipPanelModel::Options options;
         options.calendar = Calendar("Europe/London", "en_GB");
         model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),

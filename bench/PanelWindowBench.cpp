@@ -13,7 +13,7 @@
 #include <memory>
 
 #include "HarbexClip/Views/ClipPanel.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "HarbexClipCore/Testing/MemoryFrontmost.hpp"
 #include "HarbexClipCore/Testing/RecordingActivator.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
@@ -23,9 +23,13 @@ namespace harbex {
 namespace {
 
 struct Window {
-    FixedClock clock{Date::fromUnix(1710426600)};
-    ManualScheduler scheduler{&clock};
-    MemoryClipEngine engine{clock, scheduler};
+    testing::EngineRig rig{testing::EngineRigOptions{.withStore = false,
+                                                     .zone = "Europe/London",
+                                                     .now = Date::fromUnix(1710426600),
+                                                     .keepsEverything = true}};
+    FixedClock& clock = rig.clock;
+    ManualScheduler& scheduler = rig.scheduler;
+    ClipEngine& engine = rig.start();
     MemoryFrontmost system;
     RecordingActivator activator;
     std::unique_ptr<ClipPanelModel> model;
@@ -36,7 +40,7 @@ struct Window {
     explicit Window(std::size_t count) {
         testing::offscreenApplication();
         ClipLibrary library = bench::makeSyntheticHistory(count);
-        engine.setItems(std::move(library.items));
+        rig.seed(std::move(library.items));
         ClipPanelModel::Options options;
         options.calendar = Calendar("Europe/London", "en_GB");
         model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),

@@ -11,7 +11,7 @@
 #include "HarbexClip/Views/LibraryListModel.hpp"
 #include "HarbexClip/Views/LibrarySidebar.hpp"
 #include "HarbexClip/Views/LibraryWindow.hpp"
-#include "tests/Core/Engine/EngineRig.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "tests/Support/OffscreenApplication.hpp"
 
 namespace harbex::librarywindowtest {

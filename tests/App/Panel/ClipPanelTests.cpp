@@ -17,7 +17,7 @@
 #include <memory>
 
 #include "HarbexClipCore/Panel/ClipCodeLanguage.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "HarbexClipCore/Testing/MemoryDefaults.hpp"
 #include "HarbexClipCore/Testing/MemoryFrontmost.hpp"
 #include "HarbexClipCore/Testing/RecordingActivator.hpp"
@@ -97,7 +97,16 @@ class ClipPanelTests : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { testing::offscreenApplication(); }
 
-    ClipPanelTests() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
+    ClipPanelTests()
+        : rig(rigOptions()), clock(rig.clock), scheduler(rig.scheduler), engine(rig.start()) {}
+
+    static testing::EngineRigOptions rigOptions() {
+        testing::EngineRigOptions options;
+        options.withStore = false;
+        options.zone = "Europe/London";
+        options.now = kNow;
+        return options;
+    }
 
     // A varied history: every kind, a pin, a concealed password, over three days.
     void SetUp() override {
@@ -155,7 +164,7 @@ protected:
             make(text("git rebase -i HEAD~3"), "org.gnome.TextEditor", "Text Editor",
                  kNow - 2 * 86400 - 60),
         };
-        engine.setItems(items);
+        rig.seed(items);
         ASSERT_TRUE(engine.pin(items[10].id));  // the git command, pinned
     }
 
@@ -166,7 +175,7 @@ protected:
         settings.window.appearance = appearance;
         settings.panel.position = position;
         settings.panel.size = size;
-        engine.settings().set(settings);
+        engine.updateSettings(settings);
         ClipPanelModel::Options options;
         options.calendar = paneltest::london();
         options.locale = "en_GB";
@@ -254,9 +263,10 @@ protected:
         return path;
     }
 
-    FixedClock clock;
-    ManualScheduler scheduler;
-    MemoryClipEngine engine;
+    testing::EngineRig rig;
+    FixedClock& clock;
+    ManualScheduler& scheduler;
+    ClipEngine& engine;
     MemoryFrontmost system;
     RecordingActivator activator;
     MemoryDefaults defaults;
@@ -380,12 +390,12 @@ TEST_F(ClipPanelTests, TypingSearchesAndReturnPastesIntoTheFrontApplication) {
     EXPECT_TRUE(panel->isVisible());
     press(Qt::Key_Down);
     press(Qt::Key_Return);
-    ASSERT_EQ(engine.activator.requests.size(), 1u);
-    EXPECT_EQ(engine.activator.requests.front().pid, kEditor.pid);
+    ASSERT_EQ(rig.activator.requests.size(), 1u);
+    EXPECT_EQ(rig.activator.requests.front().pid, kEditor.pid);
     EXPECT_FALSE(panel->isVisible()) << "closes after pasting";
     scheduler.advance(0.2);
-    EXPECT_EQ(engine.typer.count, 1);
-    EXPECT_EQ(engine.model.items().front().text,
+    EXPECT_EQ(rig.typer.count, 1);
+    EXPECT_EQ(engine.library().items.front().text,
               "Thanks for the quick review! I’ll merge it after lunch.");
 }
 
@@ -438,7 +448,7 @@ TEST_F(ClipPanelTests, ThePreviewPaneFollowsTheSettingsAndSpaceEnlargesIt) {
     EXPECT_TRUE(panel->previewPane()->isVisibleTo(panel.get()));
     ClipSettings settings = engine.settings().get();
     settings.panel.size = ClipPanelSize::compact;
-    engine.settings().set(settings);
+    engine.updateSettings(settings);
     panel->present();
     EXPECT_FALSE(panel->previewPane()->isVisibleTo(panel.get()));
     EXPECT_EQ(panel->width(), ClipPanelPlacement::size(ClipPanelSize::compact).width);
@@ -463,7 +473,7 @@ TEST_F(ClipPanelTests, AnActionChosenByKeysIsCarriedOutAndItsNoticeFades) {
     EXPECT_EQ(panel->searchField()->text(), "") << "the field shows the copies' query again";
     EXPECT_TRUE(panel->noticeLabel()->isVisibleTo(panel.get()));
     EXPECT_EQ(panel->noticeLabel()->text(), "Copied, press Ctrl+V");
-    const auto written = engine.pasteboard.contents("public.utf8-plain-text");
+    const auto written = rig.pasteboard.contents("public.utf8-plain-text");
     ASSERT_TRUE(written);
     EXPECT_EQ(std::string(written->begin(), written->end()), "git rebase -i HEAD~3");
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "HarbexClip/App/CopySound.hpp"
-#include "tests/Core/Engine/EngineRig.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 
 namespace harbex {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "HarbexClipCore/Capture/PrivacyMarkers.hpp"
 #include "HarbexClipCore/Support/Digest.hpp"
-#include "tests/Core/Engine/EngineRig.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 
 namespace harbex {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/Core/Engine/EngineRig.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 
 namespace harbex {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
-#include "tests/Core/Engine/EngineRig.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 
 namespace harbex {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 #include "HarbexClipCore/Support/AtomicFile.hpp"
-#include "tests/Core/Engine/EngineRig.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 
 namespace harbex {
 namespace {

@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "HarbexClipCore/Library/ClipLibraryViewModel.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 #include "tests/Core/Library/LibraryTestSupport.hpp"
 
 namespace harbex {
@@ -13,16 +12,8 @@ using librarytest::kNow;
 using librarytest::textItem;
 
 // Pinboard upkeep, order and layout, and the empty-list texts of the library's view model.
-class ClipLibraryArrangementTests : public ::testing::Test {
+class ClipLibraryArrangementTests : public librarytest::LibraryFixture {
 protected:
-    ClipLibraryArrangementTests() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
-
-    void start(std::vector<ClipItem> items) {
-        engine.setItems(std::move(items));
-        model = std::make_unique<ClipLibraryViewModel>(engine, nowFunction(clock),
-                                                       librarytest::london());
-    }
-
     std::string boardNames() {
         std::string out;
         for (const Pinboard& board : engine.pinboards().get()) out += board.name + " ";
@@ -36,11 +27,6 @@ protected:
         ADD_FAILURE() << "no board " << name;
         return Uuid::random();
     }
-
-    FixedClock clock;
-    ManualScheduler scheduler;
-    MemoryClipEngine engine;
-    std::unique_ptr<ClipLibraryViewModel> model;
 };
 
 TEST_F(ClipLibraryArrangementTests, NewBoardsTakeANameAndTheNextColour) {
@@ -100,7 +86,6 @@ TEST_F(ClipLibraryArrangementTests, BoardsMoveToAnIndexOrOneStep) {
         {"D", std::nullopt, ClipLibraryViewModel::Step::down, false, "A B C D "},
     };
     for (const Case& c : cases) {
-        engine.model.setLibrary({});
         start({});
         for (const char* name : {"A", "B", "C", "D"}) model->addPinboard(name);
         const Uuid id = boardNamed(c.board);
@@ -128,7 +113,7 @@ TEST_F(ClipLibraryArrangementTests, CopiesGoOnAndOffBoardsWithNoticesNamingTheBo
     model->removeSelectedFromPinboard();
     EXPECT_EQ(model->notice(), "Removed from “Work”");
     EXPECT_TRUE(engine.pinboards().get().front().itemIDs.empty());
-    EXPECT_EQ(engine.model.items().size(), 1u) << "the copy itself stays";
+    EXPECT_EQ(engine.library().items.size(), 1u) << "the copy itself stays";
 
     // Removing the board being shown goes back to every copy.
     EXPECT_TRUE(model->removePinboard(work));
@@ -194,7 +179,7 @@ TEST_F(ClipLibraryArrangementTests, AnEmptyListSaysWhy) {
         model->setQuery(c.query);
         EXPECT_EQ(model->emptyState(), c.text) << persistedName(c.section) << " " << c.query;
     }
-    engine.capture(textItem("zebra crossing", kNow));
+    rig.capture(textItem("zebra crossing", kNow));
     model->setSection(ClipLibrarySection::all());
     EXPECT_EQ(model->emptyState(), std::nullopt) << "rows to show: no empty text";
 }

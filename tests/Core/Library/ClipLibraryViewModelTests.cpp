@@ -5,7 +5,6 @@
 
 #include "HarbexClipCore/Library/ClipLibraryModel.hpp"
 #include "HarbexClipCore/Library/ClipLibraryViewModel.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 #include "tests/Core/Library/LibraryTestSupport.hpp"
 
 namespace harbex {
@@ -15,16 +14,8 @@ using librarytest::imageItem;
 using librarytest::kNow;
 using librarytest::textItem;
 
-class ClipLibraryViewModelTests : public ::testing::Test {
+class ClipLibraryViewModelTests : public librarytest::LibraryFixture {
 protected:
-    ClipLibraryViewModelTests() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
-
-    void start(std::vector<ClipItem> items) {
-        engine.setItems(std::move(items));
-        model = std::make_unique<ClipLibraryViewModel>(engine, nowFunction(clock),
-                                                       librarytest::london());
-    }
-
     std::vector<std::string> groupTitles() {
         std::vector<std::string> out;
         for (const auto& group : model->groups()) {
@@ -32,11 +23,6 @@ protected:
         }
         return out;
     }
-
-    FixedClock clock;
-    ManualScheduler scheduler;
-    MemoryClipEngine engine;
-    std::unique_ptr<ClipLibraryViewModel> model;
 };
 
 TEST_F(ClipLibraryViewModelTests, DayGroupsUseCalendarDaysAndTodayCountsAgree) {
@@ -59,7 +45,7 @@ TEST_F(ClipLibraryViewModelTests, DayGroupsUseCalendarDaysAndTodayCountsAgree) {
     start(items);
     for (const Case& c : cases) {
         clock.set(c.now);
-        engine.setItems(items);  // a refresh at the new time
+        seed(items);  // a refresh at the new time
         EXPECT_EQ(groupTitles(), c.groups);
         EXPECT_EQ(model->counts().today, c.today);
         model->setSection(ClipLibrarySection::today());
@@ -239,7 +225,7 @@ TEST_F(ClipLibraryViewModelTests, ActionsLeaveTheirNotices) {
     EXPECT_EQ(model->notice(), "That doesn’t change this copy");
     model->setDraft("hello there");
     model->saveDraft();
-    EXPECT_EQ(engine.model.items().front().text, "hello there");
+    EXPECT_EQ(engine.library().items.front().text, "hello there");
     engine.remove(a.id);
     model->select(a.id);
     model->copy();
@@ -299,20 +285,20 @@ TEST_F(ClipLibraryViewModelTests, ExportThenImportIntoAnotherLibraryAndRefuseADa
         return Bytes{1, 2, 3};
     });
 
-    FixedClock otherClock(kNow);
-    ManualScheduler otherScheduler(&otherClock);
-    MemoryClipEngine other(otherClock, otherScheduler);
+    librarytest::EngineAtNow other;
     ClipItem mine = textItem("mine", kNow - 100);
-    other.setItems({mine});
-    ClipLibraryViewModel receiver(other, nowFunction(otherClock), librarytest::london());
+    other.seed({mine});
+    ClipLibraryViewModel receiver(other.engine, nowFunction(other.clock), librarytest::london());
 
-    const int publishedBefore = other.publishCount;
+    int published = 0;
+    const Subscription counting =
+        other.engine.history().subscribe([&](const auto&) { ++published; });
     std::string damaged = file;
     damaged.replace(damaged.find("\"images\""), 8, "\"imagez\"");
     const auto refused = receiver.importFile(damaged);
     ASSERT_FALSE(refused);
-    EXPECT_EQ(other.publishCount, publishedBefore) << "a refused file changes nothing";
-    EXPECT_EQ(other.model.items(), std::vector<ClipItem>{mine});
+    EXPECT_EQ(published, 0) << "a refused file changes nothing";
+    EXPECT_EQ(other.engine.library().items, std::vector<ClipItem>{mine});
     EXPECT_EQ(receiver.notice(), refused.error().message);
 
     const auto imported = receiver.importFile(file);
@@ -323,20 +309,18 @@ TEST_F(ClipLibraryViewModelTests, ExportThenImportIntoAnotherLibraryAndRefuseADa
     EXPECT_EQ(imported->images.size(), 1u);
     EXPECT_TRUE(receiver.importFile(file));
     EXPECT_EQ(receiver.notice(), "Added 0 copies; 2 were here already");
-    EXPECT_EQ(other.model.items().size(), 3u);
+    EXPECT_EQ(other.engine.library().items.size(), 3u);
 }
 
 TEST(ClipLibraryModelTests, SortsBreakTiesByNewest) {
-    FixedClock clock(kNow);
-    ManualScheduler scheduler(&clock);
-    MemoryClipEngine engine(clock, scheduler);
+    librarytest::EngineAtNow at;
     ClipItem old = textItem("banana", kNow - 30), mid = textItem("Apple", kNow - 20),
              fresh = textItem("apple", kNow - 10), newest = textItem("cherry", kNow);
     old.timesPasted = 5;
     mid.timesPasted = 1;
     fresh.timesPasted = 1;
-    engine.setItems({newest, fresh, mid, old});
-    ClipLibraryModel model(engine, nowFunction(clock), librarytest::london());
+    at.seed({newest, fresh, mid, old});
+    ClipLibraryModel model(at.engine, nowFunction(at.clock), librarytest::london());
     const auto order = [&] {
         std::string out;
         for (const auto& item : model.items()) out += item.text->substr(0, 2) + " ";

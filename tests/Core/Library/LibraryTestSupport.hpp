@@ -1,9 +1,15 @@
 #pragma once
 
-#include <string>
+#include <gtest/gtest.h>
 
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "HarbexClipCore/Library/ClipLibraryViewModel.hpp"
 #include "HarbexClipCore/Model/ClipItem.hpp"
 #include "HarbexClipCore/Support/Calendar.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 
 namespace harbex::librarytest {
 
@@ -25,5 +31,41 @@ inline ClipItem imageItem(std::string digest, Date date, std::int64_t bytes = 10
     return ClipItem::make(content, {}, ClipSource{"org.gnome.Screenshot", "Screenshot"}, date,
                           ClipSensitivity::ordinary);
 }
+
+// The engine on in-memory seams (nothing saved) at a fixed time in London.
+class EngineAtNow {
+public:
+    EngineAtNow()
+        : rig(options()), clock(rig.clock), scheduler(rig.scheduler), engine(rig.start()) {}
+    // Opens the history with `items` (newest first), pinning `pinned` among them.
+    ClipEngine& seed(std::vector<ClipItem> items, const std::vector<Uuid>& pinned = {}) {
+        return rig.seed(std::move(items), pinned);
+    }
+
+    testing::EngineRig rig;
+    FixedClock& clock;
+    ManualScheduler& scheduler;
+    ClipEngine& engine;
+
+private:
+    static testing::EngineRigOptions options() {
+        testing::EngineRigOptions options;
+        options.withStore = false;
+        options.zone = "Europe/London";
+        options.now = kNow;
+        return options;
+    }
+};
+
+// A library view model over that engine.
+class LibraryFixture : public ::testing::Test, protected EngineAtNow {
+protected:
+    void start(std::vector<ClipItem> items, const std::vector<Uuid>& pinned = {}) {
+        seed(std::move(items), pinned);
+        model = std::make_unique<ClipLibraryViewModel>(engine, nowFunction(clock), london());
+    }
+
+    std::unique_ptr<ClipLibraryViewModel> model;
+};
 
 }  // namespace harbex::librarytest

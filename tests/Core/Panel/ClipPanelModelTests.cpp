@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 #include "tests/Core/Panel/PanelTestSupport.hpp"
 
 namespace harbex {
@@ -22,7 +21,7 @@ using paneltest::kEditor;
 class ClipPanelModelTests : public paneltest::PanelModelFixture {
 protected:
     std::string pasteboardText() {
-        const auto bytes = engine.pasteboard.contents("public.utf8-plain-text");
+        const auto bytes = rig.pasteboard.contents("public.utf8-plain-text");
         return bytes ? std::string(bytes->begin(), bytes->end()) : std::string();
     }
 
@@ -50,19 +49,19 @@ TEST_F(ClipPanelModelTests, OpenTypeMoveAndPasteTypesIntoTheTarget) {
     model->handle(K::down);
     EXPECT_EQ(selectedTitle(), "meeting notes");
     EXPECT_EQ(model->handle(K::returnKey), Effect::pasted);
-    EXPECT_EQ(engine.activator.requests, std::vector<ClipTargetApp>{kEditor});
-    EXPECT_EQ(engine.typer.count, 0) << "the keystroke waits for the activation";
+    EXPECT_EQ(rig.activator.requests, std::vector<ClipTargetApp>{kEditor});
+    EXPECT_EQ(rig.typer.count, 0) << "the keystroke waits for the activation";
     scheduler.advance(0.2);
-    EXPECT_EQ(engine.typer.count, 1);
-    EXPECT_EQ(engine.model.items().front().timesPasted, 1);
+    EXPECT_EQ(rig.typer.count, 1);
+    EXPECT_EQ(engine->library().items.front().timesPasted, 1);
     EXPECT_EQ(model->notice(), std::nullopt);
 }
 
 // The model lists the engine's history where the engine keeps it, so every change (a copy
 // arriving, a history replaced and grown past its old capacity, pins coming and going) must be
 // listed afresh; pins the history lacks (one pinned twice, one whose history copy went) are
-// listed once, from the model's own copy. Each step
-// ends by copying the selected row, which must hand over that row's text.
+// listed once, from the model's own copy. Each step ends by copying the selected row, which must
+// hand over that row's text (and brings a history copy to the top, as any copy does).
 TEST_F(ClipPanelModelTests, RowsFollowEveryChangeToTheHistoryAndThePins) {
     struct Step {
         const char* name;
@@ -72,34 +71,35 @@ TEST_F(ClipPanelModelTests, RowsFollowEveryChangeToTheHistoryAndThePins) {
     const ClipItem outside = textItem("pinned elsewhere", kNow - 600);
     std::vector<ClipItem> many;
     for (int i = 0; i < 40; ++i) many.push_back(textItem("many " + std::to_string(i), kNow - i));
-    start({textItem("alpha", kNow - 10), textItem("beta", kNow - 20)});
+    const ClipItem alpha = textItem("alpha", kNow - 10);
+    start({alpha, textItem("beta", kNow - 20)});
     const std::vector<Step> steps = {
         {"a pin the history lacks, pinned twice",
          [&] {
-             (void)engine.pinStore.pin(outside);
-             (void)engine.pinStore.pin(outside);
-             engine.capture(textItem("gamma", kNow - 5));
+             (void)rig.pins.pin(outside);
+             (void)rig.pins.pin(outside);
+             rig.capture(textItem("gamma", kNow - 5));
          },
          {"# Pinned", "pinned elsewhere", "# Today", "gamma", "alpha", "beta"}},
         {"a history copy pinned",
-         [&] { EXPECT_TRUE(engine.pin(engine.model.items()[1].id)); },
+         [&] { EXPECT_TRUE(engine->pin(alpha.id)); },
          {"# Pinned", "alpha", "pinned elsewhere", "# Today", "gamma", "beta"}},
         {"the history replaced by a larger one",
          [&] {
              std::vector<ClipItem> items(many.begin(), many.begin() + 3);
-             engine.setItems(std::move(items));
+             rig.seed(std::move(items));
          },
          {"# Pinned", "alpha", "pinned elsewhere", "# Today", "many 0", "many 1", "many 2"}},
         {"copies arriving past the old capacity",
          [&] {
-             for (int i = 3; i < 40; ++i) engine.capture(many[std::size_t(i)]);
+             for (int i = 3; i < 40; ++i) rig.capture(many[std::size_t(i)]);
              std::vector<ClipItem> items(many.begin() + 37, many.end());
              std::reverse(items.begin(), items.end());
-             engine.setItems(std::move(items));
+             rig.seed(std::move(items));
          },
          {"# Pinned", "alpha", "pinned elsewhere", "# Today", "many 37", "many 38", "many 39"}},
         {"the outside pin taken away",
-         [&] { EXPECT_TRUE(engine.unpin(outside.id)); },
+         [&] { EXPECT_TRUE(engine->unpin(outside.id)); },
          {"# Pinned", "alpha", "# Today", "many 37", "many 38", "many 39"}},
     };
     for (const Step& step : steps) {
@@ -115,7 +115,7 @@ TEST_F(ClipPanelModelTests, RowsFollowEveryChangeToTheHistoryAndThePins) {
 
 TEST_F(ClipPanelModelTests, WithoutTrustReturnCopiesAndTheNoticeFades) {
     start({textItem("alpha", kNow)});
-    engine.isTrusted = false;
+    rig.trusted = false;
     EXPECT_EQ(model->handle(K::returnKey), Effect::copied);
     EXPECT_EQ(model->notice(), "Copied, press Ctrl+V");
     EXPECT_TRUE(model->noticeFades());
@@ -152,15 +152,15 @@ TEST_F(ClipPanelModelTests, ACopyDeletedWhileThePanelIsOpenCannotBePasted) {
     model->handle(K::commandK);
     ASSERT_EQ(model->mode(), ClipPanelMode::actions);
     ASSERT_EQ(model->actionItem()->text, "alpha");
-    engine.remove(model->actionItem()->id);  // deleted from the library window meanwhile
-    EXPECT_EQ(model->selectedID(), engine.model.items().front().id);
+    engine->remove(model->actionItem()->id);  // deleted from the library window meanwhile
+    EXPECT_EQ(model->selectedID(), engine->library().items.front().id);
     const auto pasteAction = model->actions().front();
     ASSERT_EQ(pasteAction.kind.kind, ClipPanelActionKind::Case::paste);
     EXPECT_EQ(model->perform(pasteAction), Effect::none);
     EXPECT_EQ(model->notice(), "That copy can’t be pasted");
     EXPECT_FALSE(model->noticeFades());
     EXPECT_EQ(model->mode(), ClipPanelMode::actions) << "a failure keeps the list up";
-    EXPECT_EQ(engine.pasteboard.changeCount(), 0) << "nothing was written";
+    EXPECT_EQ(rig.pasteboard.changeCount(), 0) << "nothing was written";
 }
 
 TEST_F(ClipPanelModelTests, NoResultsLeaveNothingSelectedAndEveryPasteKeyDoesNothing) {
@@ -173,7 +173,7 @@ TEST_F(ClipPanelModelTests, NoResultsLeaveNothingSelectedAndEveryPasteKeyDoesNot
           ClipPanelKey(K::commandP), ClipPanelKey(K::commandDelete), ClipPanelKey(K::space)}) {
         EXPECT_EQ(model->handle(key), Effect::none) << enumName(key.kind);
     }
-    EXPECT_EQ(engine.pasteboard.changeCount(), 0);
+    EXPECT_EQ(rig.pasteboard.changeCount(), 0);
     EXPECT_EQ(model->emptyState(),
               (ClipPanelMessage{"Nothing matches “zzz”",
                                 "Try fewer words, or a time word like “last week”."}));
@@ -208,8 +208,8 @@ TEST_F(ClipPanelModelTests, RowsGroupByCalendarDayAroundMidnight) {
     ClipItem pinned = textItem("pinned old", kNow - 40 * 86400);
     start({textItem("now", kNow), textItem("after midnight", midnight + 1),
            textItem("before midnight", midnight - 1), textItem("monday", midnight - 3 * 86400 + 60),
-           textItem("last sunday", midnight - 4 * 86400 + 60), pinned});
-    ASSERT_TRUE(engine.pin(pinned.id));
+           textItem("last sunday", midnight - 4 * 86400 + 60), pinned},
+          {pinned.id});
     EXPECT_EQ(rowTexts(),
               (std::vector<std::string>{
                   "# Pinned", "pinned old", "# Today", "now", "after midnight", "# Yesterday",
@@ -264,7 +264,7 @@ TEST_F(ClipPanelModelTests, OnePerPasteStackGivesOutOneCopyPerOpening) {
     EXPECT_TRUE(model->stack().isEmpty());
     model->open(kEditor);
     EXPECT_EQ(pasteboardText(), "second");
-    engine.remove(engine.model.items()[3].id);  // "third" is deleted before its turn
+    engine->remove(engine->library().items[3].id);  // "third" is deleted before its turn
     model->open(kEditor);
     EXPECT_EQ(model->sequence(), std::nullopt);
     EXPECT_EQ(pasteboardText(), "second");
@@ -280,7 +280,7 @@ TEST_F(ClipPanelModelTests, ASequenceOfOneShowsTheLastOneAtOnce) {
 TEST_F(ClipPanelModelTests, JoiningStackPastesOnceAndEmptiesTheStack) {
     ClipSettings settings;
     settings.panel.stackMode = ClipStackMode::commas;
-    engine.settings().set(settings);
+    engine->updateSettings(settings);
     start({textItem("apples\n", kNow), textItem(" pears", kNow - 1)});
     model->handle(K::commandReturn);
     model->handle(K::down);
@@ -301,7 +301,7 @@ TEST_F(ClipPanelModelTests, PinUnpinAndForgetAnswerWithNotices) {
     model->handle(K::commandDelete);
     EXPECT_EQ(model->notice(), "Deleted");
     EXPECT_EQ(selectedTitle(), "beta");
-    EXPECT_EQ(engine.model.items().size(), 1u);
+    EXPECT_EQ(engine->library().items.size(), 1u);
 }
 
 TEST_F(ClipPanelModelTests, OpenQuickLookAndSaveAnswerByKind) {
@@ -345,7 +345,7 @@ TEST_F(ClipPanelModelTests, ActionsPasteOrKeepATransformedText) {
     model->setActionQuery("title");
     EXPECT_EQ(model->handle(K::commandReturn), Effect::none);
     EXPECT_EQ(model->notice(), "Saved as a new copy");
-    EXPECT_EQ(engine.model.items().front().text, "Hello World");
+    EXPECT_EQ(engine->library().items.front().text, "Hello World");
     EXPECT_EQ(selectedTitle(), "Hello World");
 
     model->handle(K::commandK);
@@ -357,7 +357,7 @@ TEST_F(ClipPanelModelTests, ActionsPasteOrKeepATransformedText) {
 TEST_F(ClipPanelModelTests, EmptyStatesFollowTheFilterAndCountWhatAllHolds) {
     start({});
     EXPECT_EQ(model->emptyState()->title, "Your clipboard history starts here");
-    engine.setItems({textItem("budget 2024", kNow), textItem("budget notes", kNow - 1)});
+    rig.seed({textItem("budget 2024", kNow), textItem("budget notes", kNow - 1)});
     EXPECT_EQ(model->emptyState(), std::nullopt);
     model->setFilter(ClipFilter::images);
     EXPECT_EQ(model->emptyState()->body, "Copy an image or a screenshot and it shows up here.");
@@ -381,7 +381,7 @@ TEST_F(ClipPanelModelTests, TimeWordsAndRememberedFilters) {
     EXPECT_EQ(model->filter(), ClipFilter::all);
     ClipSettings settings;
     settings.remembersFilter = true;
-    engine.settings().set(settings);
+    engine->updateSettings(settings);
     model->setFilter(ClipFilter::text);
     model->open(kEditor);
     EXPECT_EQ(model->filter(), ClipFilter::text);
@@ -393,7 +393,7 @@ TEST_F(ClipPanelModelTests, PauseBannerFollowsTheSettings) {
     EXPECT_EQ(model->pauseBanner(), std::nullopt);
     ClipSettings settings;
     settings.pausedUntil = kNow + 1800;
-    engine.settings().set(settings);
+    engine->updateSettings(settings);
     EXPECT_EQ(model->pauseBanner(),
               "New copies aren’t saved until 15:00. Everything already here still pastes.");
 }
@@ -401,7 +401,7 @@ TEST_F(ClipPanelModelTests, PauseBannerFollowsTheSettings) {
 TEST_F(ClipPanelModelTests, ACopyArrivingWhileOpenKeepsTheSelection) {
     start({textItem("alpha", kNow - 10), textItem("beta", kNow - 20)});
     model->handle(K::down);
-    engine.capture(textItem("gamma", kNow));
+    rig.capture(textItem("gamma", kNow));
     EXPECT_EQ(selectedTitle(), "beta");
     EXPECT_EQ(model->rows()[1].item->title(), "gamma");
 }

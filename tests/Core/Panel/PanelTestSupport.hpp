@@ -11,9 +11,9 @@
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
 #include "HarbexClipCore/Support/Calendar.hpp"
 #include "HarbexClipCore/Support/Date.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "HarbexClipCore/Testing/FixedClock.hpp"
 #include "HarbexClipCore/Testing/ManualScheduler.hpp"
-#include "HarbexClipCore/Testing/MemoryClipEngine.hpp"
 
 namespace harbex::paneltest {
 
@@ -55,24 +55,37 @@ inline ClipItem kindItem(ClipKind kind, std::string text, Date date) {
 
 inline const ClipTargetApp kEditor{4242, "org.gnome.TextEditor", "Text Editor"};
 
-// A panel model over an in-memory engine at a fixed time, opened for the text editor.
+inline testing::EngineRigOptions panelRigOptions() {
+    testing::EngineRigOptions options;
+    options.withStore = false;
+    options.zone = "Europe/London";
+    options.now = kNow;
+    return options;
+}
+
+// A panel model over the engine on in-memory seams at a fixed time, opened for the text editor.
 class PanelModelFixture : public ::testing::Test {
 protected:
-    PanelModelFixture() : clock(kNow), scheduler(&clock), engine(clock, scheduler) {}
+    PanelModelFixture()
+        : rig(panelRigOptions()),
+          clock(rig.clock),
+          scheduler(rig.scheduler),
+          engine(&rig.start()) {}
 
-    void start(std::vector<ClipItem> items) {
-        engine.setItems(std::move(items));
+    void start(std::vector<ClipItem> items, const std::vector<Uuid>& pinned = {}) {
+        rig.seed(std::move(items), pinned);
         ClipPanelModel::Options options;
         options.calendar = london();
         options.locale = "en_GB";
-        model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),
+        model = std::make_unique<ClipPanelModel>(*engine, nowFunction(clock),
                                                  scheduleFunction(scheduler), options);
         model->open(kEditor);
     }
 
-    FixedClock clock;
-    ManualScheduler scheduler;
-    MemoryClipEngine engine;
+    testing::EngineRig rig;
+    FixedClock& clock;
+    ManualScheduler& scheduler;
+    ClipEngine* engine;
     std::unique_ptr<ClipPanelModel> model;
 };
 
