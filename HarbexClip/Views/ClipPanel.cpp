@@ -19,6 +19,7 @@
 #include <QVBoxLayout>
 
 #include "HarbexClip/Views/ClipPanelGlyphs.hpp"
+#include "HarbexClip/Views/QtKeyMapping.hpp"
 #include "HarbexClipCore/Panel/ClipPanelKeyRouter.hpp"
 #include "HarbexClipCore/Panel/ClipPanelRow.hpp"
 #include "HarbexClipCore/Panel/ClipPanelText.hpp"
@@ -83,40 +84,6 @@ std::vector<ClipPanelFrame> screenAreas() {
 }
 
 }  // namespace
-
-ClipKeyPress keyPressFor(int qtKey, Qt::KeyboardModifiers modifiers, const QString& text) {
-    using Kind = ClipKeyPress::Name::Kind;
-    ClipKeyPress press;
-    switch (qtKey) {
-        case Qt::Key_Up: press.name = Kind::up; break;
-        case Qt::Key_Down: press.name = Kind::down; break;
-        case Qt::Key_Left: press.name = Kind::left; break;
-        case Qt::Key_Right: press.name = Kind::right; break;
-        case Qt::Key_Escape: press.name = Kind::escape; break;
-        case Qt::Key_Return: press.name = Kind::returnKey; break;
-        case Qt::Key_Enter: press.name = Kind::enter; break;
-        case Qt::Key_Backspace: press.name = Kind::deleteKey; break;
-        case Qt::Key_Delete: press.name = Kind::forwardDelete; break;
-        case Qt::Key_Tab:
-        case Qt::Key_Backtab: press.name = Kind::tab; break;
-        case Qt::Key_Space: press.name = Kind::space; break;
-        default: {
-            // Shortcuts match the unmodified character: Ctrl+C gives a control code as text.
-            QString character = text;
-            if (qtKey >= Qt::Key_A && qtKey <= Qt::Key_Z) {
-                character = QChar(char('a' + (qtKey - Qt::Key_A)));
-            } else if (qtKey >= 0x20 && qtKey < 0x7f) {
-                character = QChar(char(qtKey));
-            }
-            press.name = ClipKeyPress::Name::character(character.toStdString());
-        }
-    }
-    press.command = modifiers & Qt::ControlModifier;
-    press.shift = (modifiers & Qt::ShiftModifier) || qtKey == Qt::Key_Backtab;
-    press.option = modifiers & Qt::AltModifier;
-    press.control = modifiers & Qt::MetaModifier;
-    return press;
-}
 
 ClipPanel::ClipPanel(ClipPanelModel& model, ClipPanelFocus& focus,
                      std::function<ClipSettings()> settings, ClipPanelServices services,

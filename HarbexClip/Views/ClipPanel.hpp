@@ -30,9 +30,6 @@ class QGraphicsOpacityEffect;
 
 namespace harbex {
 
-// The key press a Qt key event describes, in the panel's terms (Ctrl is ⌘, Super is ⌃).
-ClipKeyPress keyPressFor(int qtKey, Qt::KeyboardModifiers modifiers, const QString& text);
-
 // The quick panel: a frameless window with the search field "Search your clipboard", the filter
 // tabs, the grouped rows (one list view and one painting delegate, however long the history),
 // the preview pane, the actions list of actions mode, the pause banner, the fading notice and

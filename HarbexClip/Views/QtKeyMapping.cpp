@@ -3,6 +3,8 @@
 #include <array>
 #include <utility>
 
+#include <QString>
+
 #include "HarbexClipCore/Settings/ClipKeyCodes.hpp"
 
 namespace harbex {
@@ -70,6 +72,41 @@ std::optional<ClipShortcut> shortcutForKeyPress(int qtKey, Qt::KeyboardModifiers
     const auto keyCode = clipKeyCodeForKeysym(*keysym);
     if (!keyCode) return std::nullopt;
     return ClipShortcut{*keyCode, shortcutModifiers(modifiers)};
+}
+
+ClipKeyPress keyPressFor(int qtKey, Qt::KeyboardModifiers modifiers, const QString& text) {
+    using Kind = ClipKeyPress::Name::Kind;
+    ClipKeyPress press;
+    switch (qtKey) {
+        case Qt::Key_Up: press.name = Kind::up; break;
+        case Qt::Key_Down: press.name = Kind::down; break;
+        case Qt::Key_Left: press.name = Kind::left; break;
+        case Qt::Key_Right: press.name = Kind::right; break;
+        case Qt::Key_Escape: press.name = Kind::escape; break;
+        case Qt::Key_Return: press.name = Kind::returnKey; break;
+        case Qt::Key_Enter: press.name = Kind::enter; break;
+        case Qt::Key_Backspace: press.name = Kind::deleteKey; break;
+        case Qt::Key_Delete: press.name = Kind::forwardDelete; break;
+        case Qt::Key_Tab:
+        case Qt::Key_Backtab: press.name = Kind::tab; break;
+        case Qt::Key_Space: press.name = Kind::space; break;
+        default: {
+            // Shortcuts match the unmodified character: Ctrl+C gives a control code as text.
+            QString character = text;
+            if (qtKey >= Qt::Key_A && qtKey <= Qt::Key_Z) {
+                character = QChar(char('a' + (qtKey - Qt::Key_A)));
+            } else if (qtKey >= 0x20 && qtKey < 0x7f) {
+                character = QChar(char(qtKey));
+            }
+            press.name = ClipKeyPress::Name::character(character.toStdString());
+        }
+    }
+    const ClipShortcut::Modifiers held = shortcutModifiers(modifiers);
+    press.command = held.contains(ClipShortcut::Modifiers::command);
+    press.shift = held.contains(ClipShortcut::Modifiers::shift) || qtKey == Qt::Key_Backtab;
+    press.option = held.contains(ClipShortcut::Modifiers::option);
+    press.control = held.contains(ClipShortcut::Modifiers::control);
+    return press;
 }
 
 }  // namespace harbex

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QString>
 #include <Qt>
 
 #include <cstdint>
 #include <optional>
 
+#include "HarbexClipCore/Panel/ClipKeyPress.hpp"
 #include "HarbexClipCore/Settings/ClipShortcut.hpp"
 
 namespace harbex {
@@ -22,5 +24,9 @@ ClipShortcut::Modifiers shortcutModifiers(Qt::KeyboardModifiers modifiers);
 // The shortcut a key press records, or nothing when the key is a modifier alone or a key outside
 // the settings' table.
 std::optional<ClipShortcut> shortcutForKeyPress(int qtKey, Qt::KeyboardModifiers modifiers);
+
+// The key press a Qt key event describes, in the panel's terms, with the modifiers mapped as for
+// shortcuts.
+ClipKeyPress keyPressFor(int qtKey, Qt::KeyboardModifiers modifiers, const QString& text);
 
 }  // namespace harbex
