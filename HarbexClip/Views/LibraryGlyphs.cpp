@@ -1,5 +1,7 @@
 #include "HarbexClip/Views/LibraryGlyphs.hpp"
 
+#include "HarbexClip/Views/KindGlyphs.hpp"
+
 #include <QIconEngine>
 #include <QPainterPath>
 
@@ -149,58 +151,6 @@ Shape symbolShape(std::string_view name) {
     return {pinPath(), true};
 }
 
-Shape kindShape(ClipKind kind) {
-    switch (kind) {
-        case ClipKind::text:
-        case ClipKind::richText:
-            return {lines({{{0.2, 0.28}, {0.8, 0.28}},
-                           {{0.2, 0.44}, {0.8, 0.44}},
-                           {{0.2, 0.6}, {0.8, 0.6}},
-                           {{0.2, 0.76}, {0.58, 0.76}}})};
-        case ClipKind::link: {
-            QPainterPath path;
-            QTransform turn;
-            turn.translate(0.5, 0.5);
-            turn.rotate(-45);
-            turn.translate(-0.5, -0.5);
-            path.addRoundedRect(QRectF(0.1, 0.38, 0.46, 0.24), 0.12, 0.12);
-            path.addRoundedRect(QRectF(0.44, 0.38, 0.46, 0.24), 0.12, 0.12);
-            return {turn.map(path)};
-        }
-        case ClipKind::image: {
-            QPainterPath path;
-            path.addRoundedRect(QRectF(0.12, 0.2, 0.76, 0.6), 0.08, 0.08);
-            path.moveTo(0.16, 0.74);
-            path.lineTo(0.4, 0.48);
-            path.lineTo(0.56, 0.64);
-            path.lineTo(0.66, 0.54);
-            path.lineTo(0.84, 0.74);
-            path.addEllipse(QPointF(0.66, 0.36), 0.06, 0.06);
-            return {path};
-        }
-        case ClipKind::file: {
-            QPainterPath path =
-                polygon({{0.24, 0.1}, {0.58, 0.1}, {0.78, 0.3}, {0.78, 0.9}, {0.24, 0.9}});
-            path.moveTo(0.58, 0.1);
-            path.lineTo(0.58, 0.3);
-            path.lineTo(0.78, 0.3);
-            return {path};
-        }
-        case ClipKind::color: {
-            QPainterPath path;
-            path.addEllipse(QPointF(0.5, 0.5), 0.34, 0.34);
-            return {path, true};
-        }
-        case ClipKind::code:
-            return {lines({{{0.34, 0.28}, {0.12, 0.5}},
-                           {{0.12, 0.5}, {0.34, 0.72}},
-                           {{0.66, 0.28}, {0.88, 0.5}},
-                           {{0.88, 0.5}, {0.66, 0.72}},
-                           {{0.56, 0.2}, {0.44, 0.8}}})};
-    }
-    return {};
-}
-
 void paintShape(QPainter& painter, const QRectF& box, const Shape& shape, const QColor& color) {
     shape.filled ? fillUnit(painter, box, shape.path, color)
                  : strokeUnit(painter, box, shape.path, color);
@@ -244,19 +194,6 @@ QIcon painted(std::function<void(QPainter&, const QRectF&)> draw) {
 
 }  // namespace
 
-QColor kindColor(ClipKind kind) {
-    switch (kind) {
-        case ClipKind::text:
-        case ClipKind::richText: return QColor(0x5b, 0x6b, 0x86);
-        case ClipKind::link: return QColor(0x1f, 0x7a, 0xe0);
-        case ClipKind::image: return QColor(0x2f, 0x9e, 0x5b);
-        case ClipKind::file: return QColor(0xe0, 0x8a, 0x1f);
-        case ClipKind::color: return QColor(0xa0, 0x4f, 0xd6);
-        case ClipKind::code: return QColor(0x16, 0x9c, 0x9c);
-    }
-    return Qt::gray;
-}
-
 QColor boardColor(std::string_view name) {
     static const std::pair<std::string_view, QColor> colors[] = {
         {"blue", QColor(0x2f, 0x7c, 0xf6)},   {"purple", QColor(0x9b, 0x59, 0xd6)},
@@ -273,10 +210,6 @@ QColor boardColor(std::string_view name) {
 
 QColor onColor(const QColor& background) {
     return background.lightnessF() > 0.62 ? QColor(0x20, 0x20, 0x20) : QColor(Qt::white);
-}
-
-void paintKind(QPainter& painter, const QRectF& box, ClipKind kind, const QColor& color) {
-    paintShape(painter, box, kindShape(kind), color);
 }
 
 void paintSymbol(QPainter& painter, const QRectF& box, std::string_view name, const QColor& color) {
@@ -320,7 +253,7 @@ void paintMark(QPainter& painter, const QRectF& box, Mark mark, const QColor& co
 
 QIcon kindIcon(ClipKind kind) {
     return painted([kind](QPainter& painter, const QRectF& box) {
-        paintKind(painter, box.adjusted(1, 1, -1, -1), kind, kindColor(kind));
+        kindglyph::paint(painter, box.adjusted(2, 2, -2, -2), kind, kindglyph::tint(kind, false));
     });
 }
 

@@ -12,21 +12,18 @@
 namespace harbex {
 
 // The library's pictures, drawn as vector paths so they stay sharp at any size and screen
-// density: a glyph per kind of copy, the pinboard symbols, and the sidebar's own marks. No
+// density: the pinboard symbols, the sidebar's own marks, and icons of the kinds' marks
+// (KindGlyphs.hpp). No
 // icon theme is needed. Main thread (QPainter on widgets).
 namespace LibraryGlyphs {
 
 enum class Mark { all, today, pinned, app, newBoard, list, grid };
 
-// The tint a kind of copy is drawn in.
-QColor kindColor(ClipKind kind);
 // A pinboard colour by its stored name (the first colour for a name this version lacks).
 QColor boardColor(std::string_view name);
 // The text colour that reads on `background`.
 QColor onColor(const QColor& background);
 
-// Draws the glyph for `kind` in `box` with `color`.
-void paintKind(QPainter& painter, const QRectF& box, ClipKind kind, const QColor& color);
 // Draws the pinboard symbol `name` in `box` with `color`.
 void paintSymbol(QPainter& painter, const QRectF& box, std::string_view name, const QColor& color);
 void paintMark(QPainter& painter, const QRectF& box, Mark mark, const QColor& color);

@@ -6,6 +6,7 @@
 #include <QPixmapCache>
 #include <QScrollBar>
 
+#include "HarbexClip/Views/KindGlyphs.hpp"
 #include "HarbexClip/Views/LibraryGlyphs.hpp"
 #include "HarbexClip/Views/LibraryListModel.hpp"
 #include "HarbexClipCore/Text/ColorParser.hpp"
@@ -235,8 +236,8 @@ void LibraryItemDelegate::paintPreview(QPainter& painter, const QRectF& box, con
     const double radius = large ? kRadius : 7;
     QPainterPath shape;
     shape.addRoundedRect(box, radius, radius);
-    const QColor tint = LibraryGlyphs::kindColor(item.kind);
     const bool dark = option.palette.color(QPalette::Base).lightnessF() < 0.5;
+    const QColor tint = kindglyph::tint(item.kind, dark);
     painter.save();
     painter.setClipPath(shape);
 
@@ -259,7 +260,7 @@ void LibraryItemDelegate::paintPreview(QPainter& painter, const QRectF& box, con
         } else {
             painter.fillRect(box, mix(option.palette.color(QPalette::Base), tint, 0.14));
             const double glyph = std::min(box.width(), box.height()) * 0.5;
-            LibraryGlyphs::paintKind(
+            kindglyph::paint(
                 painter,
                 QRectF(box.center().x() - glyph / 2, box.center().y() - glyph / 2, glyph, glyph),
                 item.kind, tint);
@@ -281,11 +282,10 @@ void LibraryItemDelegate::paintPreview(QPainter& painter, const QRectF& box, con
     } else {
         painter.fillRect(box, mix(option.palette.color(QPalette::Base), tint, dark ? 0.3 : 0.14));
         const double glyph = std::min(box.width(), box.height()) * (large ? 0.38 : 0.62);
-        LibraryGlyphs::paintKind(
-            painter,
-            QRectF(box.center().x() - glyph / 2, box.center().y() - glyph / 2 - (large ? 8 : 0),
-                   glyph, glyph),
-            item.kind, dark ? tint.lighter(140) : tint);
+        kindglyph::paint(painter,
+                         QRectF(box.center().x() - glyph / 2,
+                                box.center().y() - glyph / 2 - (large ? 8 : 0), glyph, glyph),
+                         item.kind, tint);
         if (large && item.kind == ClipKind::link) {
             QFont font = option.font;
             font.setPointSizeF(font.pointSizeF() * 0.82);
