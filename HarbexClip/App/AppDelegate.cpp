@@ -122,6 +122,7 @@ AppDelegate::~AppDelegate() {
     historyWatch_.cancel();
     problemWatch_.cancel();
     readyWatch_.cancel();
+    waylandPump_.reset();
     pump_.reset();
     app_.reset();
 }
@@ -153,15 +154,8 @@ std::optional<std::string> AppDelegate::start(ClipCommand command) {
     // 3. Open the history (the engine retries while the keyring does not answer).
     engine.ensureHistoryOpen(ClipEngine::OpenAttempt::force);
 
-    // 4. Sampling, and an early look whenever the X server reports a new clipboard owner.
-    pump_ = std::make_unique<X11EventPump>(app_->connection(), [this] {
-        if (sampleQueued_ || !app_) return;
-        sampleQueued_ = true;
-        QTimer::singleShot(0, this, [this] {
-            sampleQueued_ = false;
-            if (app_) app_->engine().sample();
-        });
-    });
+    // 4. Sampling, and an early look whenever the clipboard's connection reports a change.
+    startPumps();
     startSampling();
 
     // 5. The tray and the global shortcuts.
@@ -222,6 +216,44 @@ void AppDelegate::whenHistoryOpens() {
         afterOpen();
         QTimer::singleShot(0, this, [this] { readyWatch_.cancel(); });
     });
+}
+
+void AppDelegate::sampleSoon() {
+    if (sampleQueued_ || !app_) return;
+    sampleQueued_ = true;
+    QTimer::singleShot(0, this, [this] {
+        sampleQueued_ = false;
+        if (app_) app_->engine().sample();
+    });
+}
+
+void AppDelegate::startPumps() {
+    WaylandPasteboard* wayland = app_->waylandPasteboard();
+    if (X11Connection* x11 = app_->connection()) {
+        pump_ = std::make_unique<SocketEventPump>(
+            x11->fd(), [x11] { x11->dispatch(); },
+            [this, wayland] {
+                if (!wayland) sampleSoon();
+            });
+    }
+    if (!wayland) return;
+    waylandPump_ = std::make_unique<SocketEventPump>(
+        wayland->fd(),
+        [this, wayland] {
+            if (wayland->dispatch() || clipboardProblem_) return;
+            // Said once; the history stays and the descriptor is no longer watched.
+            const std::string why = describe(wayland->failure().value());
+            std::fprintf(stderr, "harbex-clipboard: %s New copies are no longer seen.\n",
+                         why.c_str());
+            clipboardProblem_ = tr("New copies are no longer seen: %1")
+                                    .arg(QString::fromStdString(why))
+                                    .toStdString();
+            QTimer::singleShot(0, this, [this] {
+                if (waylandPump_) waylandPump_->stop();
+                refreshTray();
+            });
+        },
+        [this] { sampleSoon(); });
 }
 
 void AppDelegate::openPanelFromShortcut() {
@@ -285,7 +317,8 @@ void AppDelegate::refreshTray() {
     const bool paused = engine.isPaused();
     tray_->setIcon(trayIcon(paused));
     trayMenu_->clear();
-    if (const auto& problem = engine.problem().get()) {
+    for (const auto& problem : {engine.problem().get(), clipboardProblem_}) {
+        if (!problem) continue;
         QAction* message = trayMenu_->addAction(QString::fromStdString(*problem));
         message->setEnabled(false);
         trayMenu_->addSeparator();
@@ -394,6 +427,7 @@ void AppDelegate::showSettings(std::optional<ClipSettingsPage> page) {
                 },
             .applications = [this] { return applications(); },
             .historyFolder = ClipAppPlaces::standard().historyFolder.string(),
+            .session = {app_->session().clipboard, app_->session().note},
         };
         settingsWindow_ = new SettingsWindow(std::move(services));
         settingsWindow_->setAttribute(Qt::WA_DeleteOnClose);

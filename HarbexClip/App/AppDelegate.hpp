@@ -13,7 +13,7 @@
 #include "HarbexClip/App/ClipAutostart.hpp"
 #include "HarbexClip/App/ClipCommand.hpp"
 #include "HarbexClip/App/ClipWelcome.hpp"
-#include "HarbexClip/App/X11EventPump.hpp"
+#include "HarbexClip/App/SocketEventPump.hpp"
 #include "HarbexClip/Views/ClipPanel.hpp"
 #include "HarbexClip/Views/LibraryWindow.hpp"
 #include "HarbexClip/Views/SettingsWindow.hpp"
@@ -69,6 +69,8 @@ public:
 
 private:
     void startSampling();
+    void startPumps();
+    void sampleSoon();
     void openPanelFromShortcut();
     void whenHistoryOpens();
     void preparePanel();
@@ -84,7 +86,10 @@ private:
     Subscription historyWatch_;
     Subscription problemWatch_;
     Subscription readyWatch_;
-    std::unique_ptr<X11EventPump> pump_;
+    std::unique_ptr<SocketEventPump> pump_;         // the X display, when there is one
+    std::unique_ptr<SocketEventPump> waylandPump_;  // the Wayland clipboard, when used
+    // Set once when the Wayland compositor goes away; shown in the tray menu.
+    std::optional<std::string> clipboardProblem_;
     bool sampleQueued_ = false;
     QSystemTrayIcon* tray_ = nullptr;
     std::unique_ptr<QMenu> trayMenu_;

@@ -3,12 +3,41 @@
 #include <QMetaObject>
 #include <QPointer>
 
+#include <cstdio>
+#include <cstdlib>
+
+#include "HarbexClip/App/AbsentDesktop.hpp"
 #include "HarbexClip/Linux/SecretServiceKeyStore.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 #include "HarbexKit/LegacyPinsImport.hpp"
 #include "HarbexKit/SharedFolder.hpp"
 
 namespace harbex {
+
+namespace {
+
+ClipSessionInfo sessionInfo(const WaylandPasteboard* wayland,
+                            std::optional<WaylandError> waylandProblem, bool hasX11) {
+    if (wayland) {
+        return ClipSessionInfo{
+            "Clipboard: Wayland data-control",
+            hasX11 ? std::string()
+                   : "Global shortcuts, the double tap and pasting into other windows are not "
+                     "available in this session yet: the panel copies the chosen item for you "
+                     "to paste. A key of your desktop’s own can run “harbex-clipboard --panel”."};
+    }
+    if (waylandProblem == WaylandError::noDataControl) {
+        return ClipSessionInfo{
+            "Clipboard: X11",
+            "This Wayland desktop gives clipboard managers no access of their own, so the "
+            "clipboard is read and written through XWayland: copies made in Wayland windows may "
+            "only arrive once an X11 window has had the focus, and pasting into Wayland windows "
+            "may not work."};
+    }
+    return ClipSessionInfo{"Clipboard: X11", std::string()};
+}
+
+}  // namespace
 
 ClipAppPlaces ClipAppPlaces::standard() {
     return ClipAppPlaces{userDataFolder() / "Harbex Clipboard", sharedDocumentsFolder(),
@@ -20,29 +49,60 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
     std::unique_ptr<ClipApp> app(new ClipApp());
     app->scheduler_ = std::make_unique<QtScheduler>(loopContext);
     app->clock_ = std::make_unique<SystemClock>();
+    // A Wayland session whose compositor offers data-control gets the Wayland clipboard; the X
+    // display, when there is one, still serves the front app, the paste keystroke and the keys.
+    std::optional<WaylandError> waylandProblem;
+    if (const char* wayland = std::getenv("WAYLAND_DISPLAY"); wayland && *wayland) {
+        auto opened = WaylandPasteboard::open();
+        if (opened) {
+            app->wayland_ = opened->get();
+            app->pasteboard_ = std::move(*opened);
+        } else {
+            waylandProblem = opened.error();
+        }
+    }
     auto connection = X11Connection::open();
-    if (!connection) {
+    if (connection) {
+        app->connection_ = std::move(*connection);
+    } else if (!app->wayland_) {
+        if (waylandProblem)
+            std::fprintf(stderr, "harbex-clipboard: %s\n", describe(*waylandProblem).c_str());
         return std::unexpected(connection.error() == X11Error::missingXFixes
                                    ? "Harbex Clipboard needs an X server with the XFixes "
                                      "extension to see copies."
                                    : "Harbex Clipboard couldn’t open the X display.");
     }
-    app->connection_ = std::move(*connection);
+    app->session_ = sessionInfo(app->wayland_, waylandProblem, app->connection_ != nullptr);
+    if (app->wayland_) {
+        std::fprintf(stderr, "harbex-clipboard: %s (%s)\n", app->session_.clipboard.c_str(),
+                     std::string(app->wayland_->protocol()).c_str());
+    } else if (waylandProblem) {
+        std::fprintf(stderr, "harbex-clipboard: %s (%s)\n", app->session_.clipboard.c_str(),
+                     describe(*waylandProblem).c_str());
+    } else {
+        std::fprintf(stderr, "harbex-clipboard: %s\n", app->session_.clipboard.c_str());
+    }
     app->defaults_ = std::make_unique<FileDefaults>(places.defaultsFile);
     app->codec_ =
         std::make_unique<QtImageCodec>(ClipSettingsStore::load(*app->defaults_).window.keepsImages);
 
     // The clipboard, then the paste path: typer, activator (through the focus keeper, which is
     // the one that hands the front over), and the paster with its delay.
-    X11Connection& x11 = *app->connection_;
-    app->pasteboard_ = std::make_unique<X11Pasteboard>(x11);
-    app->typer_ = std::make_unique<XTestPasteTyper>(x11);
-    app->activator_ = std::make_unique<X11Activator>(x11);
-    app->frontmost_ = std::make_unique<X11Frontmost>(x11);
+    X11Connection* x11 = app->connection_.get();
+    if (!app->pasteboard_) app->pasteboard_ = std::make_unique<X11Pasteboard>(*x11);
+    if (x11) {
+        app->typer_ = std::make_unique<XTestPasteTyper>(*x11);
+        app->activator_ = std::make_unique<X11Activator>(*x11);
+        app->frontmost_ = std::make_unique<X11Frontmost>(*x11);
+    } else {
+        app->typer_ = std::make_unique<AbsentPasteTyper>();
+        app->activator_ = std::make_unique<AbsentActivator>();
+        app->frontmost_ = std::make_unique<AbsentFrontmost>();
+    }
     const ScheduleFunction schedule = scheduleFunction(*app->scheduler_);
     app->focus_ = std::make_unique<ClipPanelFocus>(*app->frontmost_, *app->activator_,
                                                    kPanelFocusSettle, schedule);
-    const bool trusted = x11.hasXTest();
+    const bool trusted = x11 && x11->hasXTest();
     app->paster_ = std::make_unique<ClipPaster>(
         *app->pasteboard_, *app->typer_, *app->focus_, [trusted] { return trusted; }, kPasteDelay,
         schedule, kAppIdentifier);
@@ -92,8 +152,13 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
     app->copySound_ = std::make_unique<CopySound>(*app->engine_, *app->sound_);
 
     // Global shortcuts: grabs on the root window and the modifier watch for the double tap.
-    app->registrar_ = std::make_unique<X11HotKeyRegistrar>(x11);
-    app->monitor_ = std::make_unique<X11ModifierMonitor>(x11);
+    if (x11) {
+        app->registrar_ = std::make_unique<X11HotKeyRegistrar>(*x11);
+        app->monitor_ = std::make_unique<X11ModifierMonitor>(*x11);
+    } else {
+        app->registrar_ = std::make_unique<AbsentHotKeyRegistrar>();
+        app->monitor_ = std::make_unique<AbsentModifierMonitor>();
+    }
     ClipApp* self = app.get();
     app->hotKeys_ =
         std::make_unique<ClipHotKeys>(*app->registrar_, *app->monitor_,

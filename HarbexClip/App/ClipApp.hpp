@@ -21,6 +21,7 @@
 #include "HarbexClip/Linux/X11ModifierMonitor.hpp"
 #include "HarbexClip/Linux/X11Pasteboard.hpp"
 #include "HarbexClip/Linux/XTestPasteTyper.hpp"
+#include "HarbexClip/Wayland/WaylandPasteboard.hpp"
 #include "HarbexClipCore/Engine/ClipEngine.hpp"
 #include "HarbexClipCore/Panel/ClipHotKeys.hpp"
 #include "HarbexClipCore/Panel/ClipPanelFocus.hpp"
@@ -44,17 +45,31 @@ struct ClipAppPlaces {
     static ClipAppPlaces standard();
 };
 
+// Which clipboard the session got, chosen once at start, and what the user should know about
+// it (shown on the settings' About page).
+struct ClipSessionInfo {
+    std::string clipboard;  // "Clipboard: Wayland data-control" or "Clipboard: X11"
+    std::string note;       // what works in this session when it is not everything; else empty
+};
+
 // The assembled system: every long-lived service, built once in dependency order and torn down
 // in reverse. Main thread. The shell owns one for the life of the process.
 class ClipApp {
 public:
-    // Opens the X display and builds everything. The hot keys are created but not started, the
+    // Chooses the clipboard (a Wayland session whose compositor offers data-control gets the
+    // Wayland pasteboard, anything else the X11 one), opens the X display when there is one and
+    // builds everything; without an X display the front app, paste keystroke and global
+    // shortcuts are absent. The hot keys are created but not started, the
     // history is not opened and nothing samples yet: the shell does those in its own order.
     static std::expected<std::unique_ptr<ClipApp>, std::string> assemble(
         QObject* loopContext, ClipAppPlaces places = ClipAppPlaces::standard());
     ~ClipApp();
 
-    X11Connection& connection() { return *connection_; }
+    // The X display; nothing in a session without one.
+    X11Connection* connection() { return connection_.get(); }
+    // The Wayland pasteboard when the session uses it; nothing otherwise.
+    WaylandPasteboard* waylandPasteboard() { return wayland_; }
+    const ClipSessionInfo& session() const { return session_; }
     ClipEngine& engine() { return *engine_; }
     ClipHotKeys& hotKeys() { return *hotKeys_; }
     ClipPanelFocus& focus() { return *focus_; }
@@ -78,10 +93,12 @@ private:
     std::unique_ptr<FileDefaults> defaults_;
     std::unique_ptr<QtImageCodec> codec_;
     DesktopEntries desktopEntries_;
-    std::unique_ptr<X11Pasteboard> pasteboard_;
-    std::unique_ptr<XTestPasteTyper> typer_;
-    std::unique_ptr<X11Activator> activator_;
-    std::unique_ptr<X11Frontmost> frontmost_;
+    std::unique_ptr<ClipPasteboard> pasteboard_;
+    WaylandPasteboard* wayland_ = nullptr;  // pasteboard_, when it is the Wayland one
+    ClipSessionInfo session_;
+    std::unique_ptr<PasteTyper> typer_;
+    std::unique_ptr<AppActivator> activator_;
+    std::unique_ptr<ClipFrontmost> frontmost_;
     std::unique_ptr<ClipPanelFocus> focus_;
     std::unique_ptr<ClipPaster> paster_;
     std::unique_ptr<ClipStore> store_;
@@ -90,8 +107,8 @@ private:
     std::unique_ptr<ClipEngine> engine_;
     std::unique_ptr<SoundPlayer> sound_;
     std::unique_ptr<CopySound> copySound_;  // plays the copy sound; goes before the engine
-    std::unique_ptr<X11HotKeyRegistrar> registrar_;
-    std::unique_ptr<X11ModifierMonitor> monitor_;
+    std::unique_ptr<HotKeyRegistrar> registrar_;
+    std::unique_ptr<ModifierMonitor> monitor_;
     ClipHotKeys::Actions hotKeyActions_;
     std::unique_ptr<ClipHotKeys> hotKeys_;
 };

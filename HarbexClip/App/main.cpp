@@ -18,13 +18,18 @@
 
 namespace {
 
-// The X11 layer needs an X display. Tests may run Qt offscreen, where only commands for a copy
-// already running make sense.
+bool isSet(const char* name) {
+    const char* value = std::getenv(name);
+    return value && *value;
+}
+
+// An X display or a Wayland compositor. Tests may run Qt offscreen, where only commands for a
+// copy already running make sense.
 bool hasGraphicalSession() {
     const char* platform = std::getenv("QT_QPA_PLATFORM");
-    if (platform && std::string(platform) != "xcb") return true;
-    const char* display = std::getenv("DISPLAY");
-    return display && *display;
+    if (platform && std::string(platform) != "xcb" && std::string(platform) != "wayland")
+        return true;
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
 }
 
 constexpr int kOwnPagesFrom = 256 * 1024;
@@ -73,14 +78,19 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     if (!hasGraphicalSession()) {
-        std::fputs("Harbex Clipboard needs a graphical session (no DISPLAY is set).\n", stderr);
+        std::fputs(
+            "Harbex Clipboard needs a graphical session (neither DISPLAY nor "
+            "WAYLAND_DISPLAY is set).\n",
+            stderr);
         return 1;
     }
     // Large blocks (the history document while it is read or saved, decoded images) get pages of
     // their own, given back when freed, instead of staying in the heap for the life of the process.
     ::mallopt(M_MMAP_THRESHOLD, kOwnPagesFrom);
-    // Our clipboard, keys and windows speak X11; under Wayland that is XWayland.
-    if (!std::getenv("QT_QPA_PLATFORM")) ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    // Our keys and front-app watch speak X11, so the windows go where they do: XWayland when the
+    // session has it; a Wayland session without an X display gets Wayland windows.
+    if (!std::getenv("QT_QPA_PLATFORM"))
+        ::setenv("QT_QPA_PLATFORM", isSet("DISPLAY") ? "xcb" : "wayland", 1);
 
     QApplication application(argc, argv);
     QApplication::setApplicationName("Harbex Clipboard");

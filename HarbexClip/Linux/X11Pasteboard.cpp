@@ -6,90 +6,12 @@
 #include <array>
 #include <cstring>
 
-#include "HarbexClipCore/Pasteboard/FileUrls.hpp"
-#include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
-#include "HarbexClipCore/Support/Unicode.hpp"
+#include "HarbexClip/Linux/ClipboardFlavours.hpp"
 
 namespace harbex {
 namespace {
 
 using Clock = X11Connection::Clock;
-
-struct ImageTarget {
-    std::string_view role;
-    std::string_view mime;
-};
-constexpr std::array<ImageTarget, 4> kImageTargets{{
-    {kPngType, "image/png"},
-    {kTiffType, "image/tiff"},
-    {kJpegType, "image/jpeg"},
-    {kHeicType, "image/heic"},
-}};
-
-constexpr std::array<std::string_view, 9> kMetaTargets{
-    "TARGETS",          "TIMESTAMP",       "MULTIPLE",    "SAVE_TARGETS", "DELETE",
-    "INSERT_SELECTION", "INSERT_PROPERTY", "_NET_WM_PID", "_NET_WM_NAME"};
-
-constexpr std::array<std::string_view, 5> kTextTargets{"UTF8_STRING", "text/plain;charset=utf-8",
-                                                       "STRING", "TEXT", "text/plain"};
-
-// UTF-16 with a byte-order mark (or, when `assumeLittleEndian`, without one) to UTF-8; other
-// data is returned as it is.
-std::string decodeMaybeUtf16(const Bytes& data, bool assumeLittleEndian) {
-    bool little = false;
-    std::size_t start = 0;
-    if (data.size() >= 2 && data[0] == 0xFF && data[1] == 0xFE) {
-        little = true;
-        start = 2;
-    } else if (data.size() >= 2 && data[0] == 0xFE && data[1] == 0xFF) {
-        start = 2;
-    } else if (assumeLittleEndian && data.size() >= 2 && data.size() % 2 == 0 && data[1] == 0) {
-        little = true;
-    } else {
-        return stringOf(data);
-    }
-    std::string out;
-    out.reserve(data.size() / 2);
-    auto unit = [&](std::size_t i) -> char16_t {
-        return little ? char16_t(data[i] | (data[i + 1] << 8))
-                      : char16_t((data[i] << 8) | data[i + 1]);
-    };
-    for (std::size_t i = start; i + 1 < data.size(); i += 2) {
-        char32_t code = unit(i);
-        if (code >= 0xD800 && code < 0xDC00 && i + 3 < data.size()) {
-            const char32_t low = unit(i + 2);
-            if (low >= 0xDC00 && low < 0xE000) {
-                code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-                i += 2;
-            } else {
-                code = 0xFFFD;
-            }
-        } else if (code >= 0xD800 && code < 0xE000) {
-            code = 0xFFFD;
-        }
-        if (code == 0) break;  // some writers terminate with NUL
-        appendUtf8(out, code);
-    }
-    return out;
-}
-
-std::string latin1ToUtf8(const Bytes& data) {
-    std::string out;
-    out.reserve(data.size());
-    for (std::uint8_t byte : data) appendUtf8(out, byte);
-    return out;
-}
-
-Bytes utf8ToLatin1(std::string_view text) {
-    Bytes out;
-    out.reserve(text.size());
-    std::size_t offset = 0;
-    while (offset < text.size()) {
-        const char32_t code = nextCodePoint(text, offset);
-        out.push_back(code <= 0xFF ? std::uint8_t(code) : std::uint8_t('?'));
-    }
-    return out;
-}
 
 template <typename Event>
 const Event& as(const xcb_generic_event_t& event) {
@@ -97,21 +19,6 @@ const Event& as(const xcb_generic_event_t& event) {
 }
 
 }  // namespace
-
-std::vector<std::string> X11Pasteboard::rolesForTarget(std::string_view target) {
-    if (std::ranges::find(kMetaTargets, target) != kMetaTargets.end()) return {};
-    if (std::ranges::find(kTextTargets, target) != kTextTargets.end())
-        return {std::string(kPlainTextType)};
-    if (target == "text/html") return {std::string(kHtmlType)};
-    if (target == "text/rtf" || target == "text/richtext") return {std::string(kRtfType)};
-    if (target == "text/uri-list" || target == "x-special/gnome-copied-files")
-        return {std::string(kFileUrlType)};
-    if (target == "text/x-moz-url") return {std::string(kUrlType), std::string(kUrlTitleType)};
-    for (const ImageTarget& image : kImageTargets) {
-        if (image.mime == target) return {std::string(image.role)};
-    }
-    return {std::string(target)};
-}
 
 X11Pasteboard::X11Pasteboard(X11Connection& connection) : connection_(connection) {
     clipboard_ = connection_.atom("CLIPBOARD");
@@ -250,92 +157,29 @@ const X11Pasteboard::Target* X11Pasteboard::findTarget(std::string_view name) {
     return it == list.end() ? nullptr : &*it;
 }
 
-std::optional<Bytes> X11Pasteboard::readFirst(std::initializer_list<std::string_view> names,
-                                              std::string_view* which) {
-    // The first declared name is the one read; when its owner gives nothing the next declared
-    // one is tried.
-    for (std::string_view name : names) {
-        const Target* target = findTarget(name);
-        if (!target) continue;
-        if (auto data = request(target->atom)) {
-            if (which) *which = name;
-            return data;
-        }
-    }
-    return std::nullopt;
+std::vector<std::string> X11Pasteboard::types() {
+    std::vector<std::string> names;
+    for (const Target& target : targets()) names.push_back(target.name);
+    return rolesForFlavours(names);
 }
 
-std::optional<std::string> X11Pasteboard::readString(std::string_view name) {
-    auto data = readFirst({name});
+std::optional<Bytes> X11Pasteboard::read(std::string_view name) {
+    const Target* target = findTarget(name);
+    return target ? request(target->atom) : std::nullopt;
+}
+
+std::optional<std::string> X11Pasteboard::markerValue(std::string_view type) {
+    auto data = read(type);
     if (!data) return std::nullopt;
     return stringOf(*data);
 }
 
-std::vector<std::string> X11Pasteboard::types() {
-    std::vector<std::string> result;
-    for (const Target& target : targets()) {
-        for (auto& role : rolesForTarget(target.name)) {
-            if (std::ranges::find(result, role) == result.end()) result.push_back(std::move(role));
-        }
-    }
-    return result;
-}
-
-std::optional<std::string> X11Pasteboard::markerValue(std::string_view type) {
-    return readString(type);
-}
-
 std::optional<PasteboardSnapshot> X11Pasteboard::snapshot() {
-    PasteboardSnapshot snapshot;
-    snapshot.types = types();
-    if (snapshot.types.empty()) return std::nullopt;
-
-    snapshot.sourceID = readString(kSourceType);
-    snapshot.passwordManagerHint = readString(kPasswordManagerHintType);
-    std::string_view filesTarget;
-    if (auto list = readFirst({"text/uri-list", "x-special/gnome-copied-files"}, &filesTarget)) {
-        std::string text = stringOf(*list);
-        if (filesTarget == "x-special/gnome-copied-files") {
-            // "copy" or "cut", then one URL per line.
-            const auto newline = text.find('\n');
-            text = newline == std::string::npos ? std::string() : text.substr(newline + 1);
-        }
-        snapshot.fileURLs = urlsFromUriList(text);
-    }
-    std::string_view textTarget;
-    if (auto text = readFirst({"UTF8_STRING", "text/plain;charset=utf-8", "STRING", "text/plain"},
-                              &textTarget)) {
-        snapshot.string = textTarget == "STRING" ? latin1ToUtf8(*text) : stringOf(*text);
-    }
-    snapshot.rtf = readFirst({"text/rtf", "text/richtext"});
-    if (auto html = readFirst({"text/html"})) {
-        snapshot.html = bytesOf(decodeMaybeUtf16(*html, false));
-    }
-    if (!snapshot.string) {
-        if (auto mozUrl = readFirst({"text/x-moz-url"})) {
-            const std::string text = decodeMaybeUtf16(*mozUrl, true);
-            const auto newline = text.find('\n');
-            std::string url = text.substr(0, newline);
-            while (!url.empty() && (url.back() == '\r' || url.back() == '\0')) url.pop_back();
-            if (!url.empty()) snapshot.url = url;
-            if (newline != std::string::npos) {
-                std::string title = text.substr(newline + 1);
-                while (!title.empty() && (title.back() == '\n' || title.back() == '\r'))
-                    title.pop_back();
-                if (!title.empty()) snapshot.urlTitle = title;
-            }
-        }
-    }
-    if (snapshot.fileURLs.empty() && !snapshot.string) {
-        for (const ImageTarget& image : kImageTargets) {
-            const Target* target = findTarget(image.mime);
-            if (!target) continue;
-            if (auto data = request(target->atom))
-                snapshot.image = ClipImagePayload{std::string(image.role), std::move(*data)};
-            break;
-        }
-    }
-    return snapshot;
+    auto types = this->types();
+    if (types.empty()) return std::nullopt;
+    return readSnapshot(std::move(types),
+                        FlavourSource{[this](std::string_view name) { return findTarget(name); },
+                                      [this](std::string_view name) { return read(name); }});
 }
 
 // MARK: Writing
@@ -353,38 +197,11 @@ std::int64_t X11Pasteboard::write(const ClipPayload& payload,
                                   std::optional<std::string_view> sourceID) {
     changeCount();
     served_.clear();
-    if (!payload.fileURLs.empty()) {
-        serve("text/uri-list", "text/uri-list", bytesOf(uriListFromUrls(payload.fileURLs)));
-        std::string copied = "copy";
-        for (const auto& url : payload.fileURLs) copied += "\n" + url;
-        serve("x-special/gnome-copied-files", "x-special/gnome-copied-files", bytesOf(copied));
-    } else if (payload.url && parsesAsUrl(*payload.url)) {
-        serve("text/x-moz-url", "text/x-moz-url", bytesOf(*payload.url));
+    for (auto& flavour : flavoursForPayload(payload, sourceID)) {
+        // TEXT is a request for "whatever text encoding suits"; it is answered as UTF-8.
+        const std::string type = flavour.name == "TEXT" ? "UTF8_STRING" : flavour.name;
+        serve(flavour.name, type, std::move(flavour.data));
     }
-    if (payload.image) {
-        for (const ImageTarget& image : kImageTargets) {
-            if (image.role == payload.image->type)
-                serve(image.mime, image.mime, payload.image->data);
-        }
-    }
-    if (payload.text) {
-        const Bytes utf8 = bytesOf(*payload.text);
-        serve("UTF8_STRING", "UTF8_STRING", utf8);
-        serve("text/plain;charset=utf-8", "text/plain;charset=utf-8", utf8);
-        serve("text/plain", "text/plain", utf8);
-        serve("TEXT", "UTF8_STRING", utf8);
-        serve("STRING", "STRING", utf8ToLatin1(*payload.text));
-    }
-    if (payload.rtf) serve("text/rtf", "text/rtf", *payload.rtf);
-    if (payload.html) serve("text/html", "text/html", *payload.html);
-    serve(kOwnWriteType, kOwnWriteType, {});
-    if (payload.concealed) {
-        serve(kConcealedType, kConcealedType, {});
-        serve(kPasswordManagerHintType, kPasswordManagerHintType,
-              bytesOf(kPasswordManagerHintSecret));
-    }
-    if (sourceID) serve(kSourceType, kSourceType, bytesOf(*sourceID));
-
     // ICCCM wants a real timestamp for ownership; CurrentTime would let stale requests through.
     const xcb_timestamp_t time = connection_.serverTime();
     xcb_connection_t* c = connection_.raw();

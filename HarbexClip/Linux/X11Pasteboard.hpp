@@ -50,10 +50,6 @@ public:
     // Transfers in progress to other clients (INCR), for tests and diagnostics.
     std::size_t activeTransfers() const { return transfers_.size(); }
 
-    // The role identifiers one X target name stands for (empty for meta targets such as
-    // TARGETS; the name itself for names without a mapping).
-    static std::vector<std::string> rolesForTarget(std::string_view target);
-
 private:
     struct Target {
         xcb_atom_t atom = XCB_ATOM_NONE;
@@ -77,9 +73,7 @@ private:
     const Target* findTarget(std::string_view name);
     std::optional<Bytes> request(xcb_atom_t target);
     std::optional<Bytes> readProperty(xcb_atom_t property, bool& incremental);
-    std::optional<Bytes> readFirst(std::initializer_list<std::string_view> names,
-                                   std::string_view* which = nullptr);
-    std::optional<std::string> readString(std::string_view name);
+    std::optional<Bytes> read(std::string_view name);
     xcb_atom_t nextProperty();
 
     bool handleEvent(const xcb_generic_event_t& event);

@@ -594,6 +594,17 @@ QWidget* SettingsWindow::aboutPage() {
                 "pastes it back. Nothing leaves this computer."));
     text->setAlignment(Qt::AlignHCenter);
     layout->addWidget(text);
+    if (!services_.session.clipboard.empty()) {
+        auto* clipboard = new QLabel(QString::fromStdString(services_.session.clipboard), page);
+        clipboard->setObjectName("aboutClipboard");
+        layout->addWidget(clipboard, 0, Qt::AlignHCenter);
+    }
+    if (!services_.session.note.empty()) {
+        auto* sessionNote = note(QString::fromStdString(services_.session.note));
+        sessionNote->setObjectName("aboutSessionNote");
+        sessionNote->setAlignment(Qt::AlignHCenter);
+        layout->addWidget(sessionNote);
+    }
     layout->addStretch();
     return page;
 }

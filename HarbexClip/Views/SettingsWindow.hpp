@@ -31,6 +31,11 @@ struct SettingsWindowServices {
     // Applications to choose from for the excluded list: (id, name), running ones first.
     std::function<std::vector<std::pair<std::string, std::string>>()> applications;
     std::string historyFolder;
+    // Which clipboard the session uses ("Clipboard: X11") and what works there; on About.
+    struct Session {
+        std::string clipboard;
+        std::string note;
+    } session{};
 };
 
 // The settings window: a sidebar of pages and one form per page. Every control writes the whole

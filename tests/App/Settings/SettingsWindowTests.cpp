@@ -47,6 +47,25 @@ protected:
     MemoryDefaults defaults;
 };
 
+// The About page says which clipboard the session got and, when not everything works there,
+// what does.
+TEST_F(SettingsWindowTests, AboutNamesTheSessionsClipboard) {
+    testing::TempFolder temp;
+    auto withSession = services(temp.path());
+    withSession.session = {"Clipboard: Wayland data-control", "Global shortcuts are not here."};
+    SettingsWindow window(std::move(withSession));
+    window.showPage(ClipSettingsPage::about);
+    auto* clipboard = window.findChild<QLabel*>("aboutClipboard");
+    auto* note = window.findChild<QLabel*>("aboutSessionNote");
+    ASSERT_TRUE(clipboard && note);
+    EXPECT_EQ(clipboard->text(), "Clipboard: Wayland data-control");
+    EXPECT_EQ(note->text(), "Global shortcuts are not here.");
+
+    SettingsWindow plain(services(temp.path()));
+    plain.showPage(ClipSettingsPage::about);
+    EXPECT_EQ(plain.findChild<QLabel*>("aboutSessionNote"), nullptr);
+}
+
 // The breakdown is measured again each time the page is shown, so space freed or taken since
 // the window opened shows.
 TEST_F(SettingsWindowTests, TheStorageBreakdownIsMeasuredAgainWhenTheHistoryPageIsShown) {

@@ -1,5 +1,6 @@
 #include <map>
 
+#include "HarbexClip/Linux/ClipboardFlavours.hpp"
 #include "HarbexClip/Linux/X11Pasteboard.hpp"
 #include "tests/Linux/X11/X11TestSupport.hpp"
 #include "tests/Support/PasteboardContract.hpp"
@@ -47,7 +48,7 @@ public:
     std::vector<std::string> requestedTypes() override {
         std::vector<std::string> roles;
         for (const auto& target : owner_.requested()) {
-            for (auto& role : X11Pasteboard::rolesForTarget(target)) roles.push_back(role);
+            for (auto& role : rolesForFlavour(target)) roles.push_back(role);
         }
         return roles;
     }

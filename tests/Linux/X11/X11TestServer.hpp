@@ -46,20 +46,31 @@ inline bool eventually(const std::function<bool()>& condition,
     return condition();
 }
 
-// A child process with the test display in its environment.
+// Changes to a child's environment: a variable set, or (nothing) removed.
+using ChildEnvironment = std::vector<std::pair<std::string, std::optional<std::string>>>;
+
+// A child process with the test display (or other `changes`) in its environment.
 class Process {
 public:
     Process() = default;
     Process(const std::vector<std::string>& arguments, const std::string& display, int stdinFd = -1,
-            int stdoutFd = -1) {
+            int stdoutFd = -1)
+        : Process(arguments, ChildEnvironment{{"DISPLAY", display}}, stdinFd, stdoutFd) {}
+    Process(const std::vector<std::string>& arguments, const ChildEnvironment& changes,
+            int stdinFd = -1, int stdoutFd = -1, int stderrFd = -1) {
         std::vector<char*> argv;
         for (const auto& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
         argv.push_back(nullptr);
         std::vector<std::string> environment;
         for (char** entry = environ; *entry; ++entry) {
-            if (std::strncmp(*entry, "DISPLAY=", 8) != 0) environment.emplace_back(*entry);
+            const std::string_view line(*entry);
+            const bool changed = std::ranges::any_of(
+                changes, [&](const auto& change) { return line.starts_with(change.first + "="); });
+            if (!changed) environment.emplace_back(line);
         }
-        environment.push_back("DISPLAY=" + display);
+        for (const auto& [name, value] : changes) {
+            if (value) environment.push_back(name + "=" + *value);
+        }
         std::vector<char*> envp;
         for (auto& entry : environment) envp.push_back(entry.data());
         envp.push_back(nullptr);
@@ -68,7 +79,7 @@ public:
         const int null = ::open("/dev/null", O_RDWR);
         posix_spawn_file_actions_adddup2(&actions, stdinFd >= 0 ? stdinFd : null, 0);
         posix_spawn_file_actions_adddup2(&actions, stdoutFd >= 0 ? stdoutFd : null, 1);
-        posix_spawn_file_actions_adddup2(&actions, null, 2);
+        posix_spawn_file_actions_adddup2(&actions, stderrFd >= 0 ? stderrFd : null, 2);
         if (posix_spawnp(&pid_, argv[0], &actions, nullptr, argv.data(), envp.data()) != 0)
             pid_ = -1;
         posix_spawn_file_actions_destroy(&actions);
@@ -122,12 +133,12 @@ struct RunResult {
     std::string output;
 };
 // `pump` runs between reads, for a program that talks to a selection we own on this thread.
-inline RunResult run(const std::vector<std::string>& arguments, const std::string& display,
+inline RunResult run(const std::vector<std::string>& arguments, const ChildEnvironment& changes,
                      const std::string& input = {}, const std::function<void()>& pump = {}) {
     int in[2];
     int out[2];
     if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) return {};
-    Process process(arguments, display, in[0], out[1]);
+    Process process(arguments, changes, in[0], out[1]);
     ::close(in[0]);
     ::close(out[1]);
     std::thread writer([fd = in[1], &input] {
@@ -154,6 +165,11 @@ inline RunResult run(const std::vector<std::string>& arguments, const std::strin
     writer.join();
     result.status = process.wait(5000ms);
     return result;
+}
+
+inline RunResult run(const std::vector<std::string>& arguments, const std::string& display,
+                     const std::string& input = {}, const std::function<void()>& pump = {}) {
+    return run(arguments, ChildEnvironment{{"DISPLAY", display}}, input, pump);
 }
 
 // A private X server with a window manager, for one test program or one test.
