@@ -16,6 +16,7 @@
 
 #include "HarbexClipCore/Panel/ClipPanelModel.hpp"
 #include "HarbexClipCore/Testing/EngineRig.hpp"
+#include "bench/Support/PanelOverHistory.hpp"
 #include "bench/Support/SyntheticHistory.hpp"
 
 namespace harbex {
@@ -37,26 +38,7 @@ double percentile95(std::vector<double> values) {
     return values[values.size() * 95 / 100];
 }
 
-struct Panel {
-    testing::EngineRig rig{testing::EngineRigOptions{.withStore = false,
-                                                     .zone = "Europe/London",
-                                                     .now = Date::fromUnix(1710426600),
-                                                     .keepsEverything = true}};
-    FixedClock& clock = rig.clock;
-    ManualScheduler& scheduler = rig.scheduler;
-    ClipEngine& engine = rig.start();
-    std::unique_ptr<ClipPanelModel> model;
-
-    explicit Panel(std::size_t count) {
-        ClipLibrary library = bench::makeSyntheticHistory(count);
-        rig.seed(std::move(library.items));
-        ClipPanelModel::Options options;
-        options.calendar = Calendar("Europe/London", "en_GB");
-        model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),
-                                                 scheduleFunction(scheduler), options);
-        model->open(ClipTargetApp{1, "org.gnome.TextEditor", "Text Editor"});
-    }
-};
+using Panel = bench::PanelOverHistory;
 
 Panel& panel(std::size_t count) {
     static std::map<std::size_t, std::unique_ptr<Panel>> made;

@@ -16,40 +16,27 @@
 #include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "HarbexClipCore/Testing/MemoryFrontmost.hpp"
 #include "HarbexClipCore/Testing/RecordingActivator.hpp"
-#include "bench/Support/SyntheticHistory.hpp"
+#include "bench/Support/PanelOverHistory.hpp"
 #include "tests/Support/OffscreenApplication.hpp"
 
 namespace harbex {
 namespace {
 
 struct Window {
-    testing::EngineRig rig{testing::EngineRigOptions{.withStore = false,
-                                                     .zone = "Europe/London",
-                                                     .now = Date::fromUnix(1710426600),
-                                                     .keepsEverything = true}};
-    FixedClock& clock = rig.clock;
-    ManualScheduler& scheduler = rig.scheduler;
-    ClipEngine& engine = rig.start();
+    bench::PanelOverHistory history;
     MemoryFrontmost system;
     RecordingActivator activator;
-    std::unique_ptr<ClipPanelModel> model;
     std::unique_ptr<ClipPanelFocus> focus;
     std::unique_ptr<ClipPanel> panel;
     QImage canvas;
 
-    explicit Window(std::size_t count) {
+    explicit Window(std::size_t count) : history(count) {
         testing::offscreenApplication();
-        ClipLibrary library = bench::makeSyntheticHistory(count);
-        rig.seed(std::move(library.items));
-        ClipPanelModel::Options options;
-        options.calendar = Calendar("Europe/London", "en_GB");
-        model = std::make_unique<ClipPanelModel>(engine, nowFunction(clock),
-                                                 scheduleFunction(scheduler), options);
         system.activateOther(ClipTargetApp{1, "org.gnome.TextEditor", "Text Editor"});
         focus = std::make_unique<ClipPanelFocus>(system, activator, kPanelFocusSettle,
-                                                 scheduleFunction(scheduler));
-        panel =
-            std::make_unique<ClipPanel>(*model, *focus, [this] { return engine.settings().get(); });
+                                                 scheduleFunction(history.rig.scheduler));
+        panel = std::make_unique<ClipPanel>(*history.model, *focus,
+                                            [this] { return history.engine.settings().get(); });
     }
 
     void paint() {
