@@ -239,6 +239,9 @@ WaylandPasteboard::~WaylandPasteboard() {
         destroyProxy(manager_, ZWLR_DATA_CONTROL_MANAGER_V1_DESTROY);
         wl_display_flush(display_);
     }
+    for (wl_proxy* proxy : {source_, device_, manager_}) {
+        if (proxy) wl_proxy_destroy(proxy);
+    }
     if (seat_) wl_proxy_destroy(seat_);
     if (registry_) wl_registry_destroy(registry_);
     if (display_) wl_display_disconnect(display_);
@@ -256,6 +259,9 @@ void WaylandPasteboard::lose(WaylandError error) {
     failure_ = error;
     // The socket stays readable (at its end) for ever; stop watching it so nothing spins.
     ::epoll_ctl(epoll_, EPOLL_CTL_DEL, displayFd_, nullptr);
+    // Nothing is dispatched from now on; the offers' proxies go with their records, locally.
+    for (auto& offer : introduced_) wl_proxy_destroy(offer->proxy);
+    if (current_) wl_proxy_destroy(current_->proxy);
     current_.reset();
     introduced_.clear();
     served_.clear();
