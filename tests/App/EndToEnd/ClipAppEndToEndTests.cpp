@@ -66,6 +66,8 @@ protected:
         ::setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
         ::setenv("DISPLAY", server->display().c_str(), 1);
+        // An X11 session: a Wayland desktop around the test run must not lend its clipboard.
+        ::unsetenv("WAYLAND_DISPLAY");
         static int argc = 3;
         static char name[] = "AppEndToEndTests";
         static char platform[] = "-platform";
