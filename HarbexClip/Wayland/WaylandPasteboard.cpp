@@ -319,8 +319,7 @@ bool WaylandPasteboard::roundTrip() {
     const auto deadline = Clock::now() + kRequestTimeout;
     readDisplay(false);
     while (!done && !failure_ && Clock::now() < deadline) {
-        waitAndDispatch(
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()));
+        waitAndDispatch(std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()));
     }
     wl_callback_destroy(callback);
     return done;
@@ -392,8 +391,7 @@ std::optional<Bytes> WaylandPasteboard::receive(std::string_view mime) {
     bool ended = false;
     auto deadline = Clock::now() + kRequestTimeout;
     while (!ended && !failure_) {
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         if (left.count() <= 0) break;
         if (!waitAndDispatch(left, fds[0])) continue;
         for (;;) {

@@ -161,6 +161,10 @@ public:
         stop_ = true;
         if (thread_.joinable()) thread_.join();
         for (int fd : held_) ::close(fd);
+        if (source_) zwlr_data_control_source_v1_destroy(source_);
+        if (device_) zwlr_data_control_device_v1_destroy(device_);
+        if (manager_) zwlr_data_control_manager_v1_destroy(manager_);
+        if (seat_) wl_seat_destroy(seat_);
         if (display_) wl_display_disconnect(display_);
     }
 
@@ -177,13 +181,16 @@ public:
             [](void* data, zwlr_data_control_source_v1*, const char* mime, std::int32_t fd) {
                 static_cast<ScriptedSource*>(data)->answer(mime, fd);
             },
-            [](void*, zwlr_data_control_source_v1* source) {
+            [](void* data, zwlr_data_control_source_v1* source) {
+                auto& self = *static_cast<ScriptedSource*>(data);
+                if (self.source_ == source) self.source_ = nullptr;
                 zwlr_data_control_source_v1_destroy(source);
             }};
         zwlr_data_control_source_v1_add_listener(source, &sourceListener, this);
         for (const auto& offer : offers_)
             zwlr_data_control_source_v1_offer(source, offer.mime.c_str());
         zwlr_data_control_device_v1_set_selection(device_, source);
+        source_ = source;
         wl_display_flush(display_);
     }
     // The role identifiers of the MIME types asked for since the last offer, in order.
@@ -236,6 +243,7 @@ private:
     wl_seat* seat_ = nullptr;
     zwlr_data_control_manager_v1* manager_ = nullptr;
     zwlr_data_control_device_v1* device_ = nullptr;
+    zwlr_data_control_source_v1* source_ = nullptr;  // the newest, until cancelled
     std::mutex mutex_;
     std::vector<Offer> offers_;
     Answers answers_ = Answers::always;
