@@ -61,13 +61,11 @@ TEST(ClipHotKeysTests, PressesRunTheirSlotsActions) {
     EXPECT_EQ(rig.panelOpened, 1);
     EXPECT_EQ(rig.libraryOpened, 2);
     EXPECT_EQ(rig.paused, 1);
-}
 
-TEST(ClipHotKeysTests, AStalePressForAnEmptySlotDoesNothing) {
-    HotKeysRig rig;
-    rig.hotKeys->start(ClipSettings::defaults());
-    rig.registrar.press(Which::pause);
-    EXPECT_EQ(rig.paused, 0);
+    HotKeysRig empty;  // no pause shortcut: a stale press for its slot does nothing
+    empty.hotKeys->start(ClipSettings::defaults());
+    empty.registrar.press(Which::pause);
+    EXPECT_EQ(empty.paused, 0);
 }
 
 TEST(ClipHotKeysTests, AShortcutWithoutCommandControlOrOptionIsNeverRegistered) {
@@ -238,21 +236,18 @@ TEST(ClipHotKeysTests, DestroyingReleasesEverything) {
     EXPECT_FALSE(rig.monitor.isInstalled());
 }
 
-struct TranslationCase {
-    int modifiers;
-    std::uint32_t x11;
-    std::uint32_t carbon;
-};
-
 TEST(ClipHotKeysTests, TranslatesModifiersBitByBit) {
-    const std::vector<TranslationCase> cases{
+    struct Case {
+        int modifiers;
+        std::uint32_t x11;
+        std::uint32_t carbon;
+    };
+    const std::vector<Case> cases{
         {0, 0, 0},
         {1, kCtrl, 0x100},
         {2, kShift, 0x200},
         {4, kAlt, 0x800},
         {8, kSuper, 0x1000},
-        {9, kCtrl | kSuper, 0x1100},
-        {13, kCtrl | kAlt | kSuper, 0x1900},
         {15, kShift | kCtrl | kAlt | kSuper, 0x1b00},
         {16 | 1, kCtrl, 0x100},  // a bit the table does not know is dropped
     };

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -37,18 +36,13 @@ struct FocusRig {
     }
 };
 
-TEST(ClipPanelFocusTests, OpenRemembersTheFrontAppAndTakesTheFront) {
+TEST(ClipPanelFocusTests, OpenRemembersTheFrontAppAndTakesTheFrontOnce) {
     FocusRig rig;
     EXPECT_EQ(rig.focus->open(), kEditor);
     EXPECT_TRUE(rig.focus->isOpen());
     EXPECT_TRUE(rig.focus->holdsFront());
     EXPECT_TRUE(rig.system.active);
     EXPECT_EQ(rig.system.bringForwardCount, 1);
-}
-
-TEST(ClipPanelFocusTests, OpeningWhileOpenKeepsThePreviousApp) {
-    FocusRig rig;
-    rig.focus->open();
     rig.system.activateOther(kBrowser);  // the front moved without the panel closing
     EXPECT_EQ(rig.focus->open(), kEditor);
     EXPECT_EQ(rig.focus->previous(), kEditor);
@@ -103,13 +97,11 @@ TEST(ClipPanelFocusTests, HandBackForPasteIsReclaimedWhileThePanelStaysOpen) {
     const int forwards = rig.system.bringForwardCount;
     rig.focus->reclaimAfterPaste();  // nothing was handed back since
     EXPECT_EQ(rig.system.bringForwardCount, forwards);
-}
 
-TEST(ClipPanelFocusTests, HandBackWithThePanelClosedIsNotForPaste) {
-    FocusRig rig;
-    ASSERT_TRUE(rig.focus->activate(kBrowser));
-    EXPECT_FALSE(rig.focus->handedBackForPaste());
-    EXPECT_EQ(rig.focus->handingBackTo(), kBrowser);
+    FocusRig closed;
+    ASSERT_TRUE(closed.focus->activate(kBrowser));
+    EXPECT_FALSE(closed.focus->handedBackForPaste()) << "the panel was closed";
+    EXPECT_EQ(closed.focus->handingBackTo(), kBrowser);
 }
 
 TEST(ClipPanelFocusTests, RegainFrontOnlyWhenOpenAndNotActive) {
@@ -129,54 +121,44 @@ TEST(ClipPanelFocusTests, RegainFrontOnlyWhenOpenAndNotActive) {
     EXPECT_GT(rig.focus->generation(), generation);
 }
 
-struct CloseCase {
-    std::string name;
-    Close reason;
-    bool visibleWindow;
-    bool othersTakeFront;  // the person clicked another application as the panel closed
-    bool givesBackAtOnce;  // the editor is activated inside close()
-    bool givesBackAfterSettle;
-};
-
-void PrintTo(const CloseCase& c, std::ostream* out) { *out << c.name; }
-
-class ClipPanelFocusCloseTests : public testing::TestWithParam<CloseCase> {};
-
-TEST_P(ClipPanelFocusCloseTests, GivesTheFrontBackOnlyWhenItShould) {
-    const CloseCase& c = GetParam();
-    FocusRig rig;
-    rig.system.visibleWindow = c.visibleWindow;
-    rig.focus->open();
-
-    rig.focus->close(c.reason);
-    EXPECT_FALSE(rig.focus->isOpen());
-    if (c.othersTakeFront) rig.system.activateOther(kBrowser);
-    EXPECT_EQ(rig.activator.requests.size(), c.givesBackAtOnce ? 1u : 0u);
-
-    rig.scheduler.advance(kPanelFocusSettle);
-    const std::size_t expected = (c.givesBackAtOnce || c.givesBackAfterSettle) ? 1u : 0u;
-    ASSERT_EQ(rig.activator.requests.size(), expected);
-    if (expected == 1) {
-        EXPECT_EQ(rig.activator.requests.front(), kEditor);
-        EXPECT_EQ(rig.focus->handingBackTo(), kEditor);
+TEST(ClipPanelFocusTests, CloseGivesTheFrontBackOnlyWhenItShould) {
+    struct Case {
+        const char* name;
+        Close reason;
+        bool visibleWindow;
+        bool othersTakeFront;  // the person clicked another application as the panel closed
+        bool givesBackAtOnce;  // the editor is activated inside close()
+        bool givesBackAfterSettle;
+    };
+    const Case cases[] = {
+        {"dismissed", Close::dismissed, false, false, true, false},
+        {"dismissed with our window showing", Close::dismissed, true, false, true, false},
+        {"clicked outside on nothing", Close::clickedOutside, false, false, false, true},
+        {"clicked outside on another app", Close::clickedOutside, false, true, false, false},
+        {"handed off to our window", Close::handedOff, true, false, false, false},
+        {"handed off with no window of ours", Close::handedOff, false, false, false, true},
+        {"lost the front", Close::lostFront, false, false, false, false},
+        {"to a copy", Close::toClip, false, false, false, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        FocusRig rig;
+        rig.system.visibleWindow = c.visibleWindow;
+        rig.focus->open();
+        rig.focus->close(c.reason);
+        EXPECT_FALSE(rig.focus->isOpen());
+        if (c.othersTakeFront) rig.system.activateOther(kBrowser);
+        EXPECT_EQ(rig.activator.requests.size(), c.givesBackAtOnce ? 1u : 0u);
+        rig.scheduler.advance(kPanelFocusSettle);
+        const bool givesBack = c.givesBackAtOnce || c.givesBackAfterSettle;
+        EXPECT_EQ(rig.activator.requests,
+                  givesBack ? std::vector{kEditor} : std::vector<ClipTargetApp>{});
+        EXPECT_EQ(rig.focus->handingBackTo(), givesBack ? std::optional(kEditor) : std::nullopt);
+        EXPECT_FALSE(rig.focus->holdsFront());
+        EXPECT_EQ(rig.focus->previous(), kEditor);
+        EXPECT_EQ(rig.scheduler.pendingCount(), 0u);
     }
-    EXPECT_FALSE(rig.focus->holdsFront());
-    EXPECT_EQ(rig.focus->previous(), kEditor);
-    EXPECT_EQ(rig.scheduler.pendingCount(), 0u);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ClipPanelFocusCloseTests,
-    testing::Values(
-        CloseCase{"dismissed", Close::dismissed, false, false, true, false},
-        CloseCase{"dismissedWithOurWindowShowing", Close::dismissed, true, false, true, false},
-        CloseCase{"clickedOutsideOnNothing", Close::clickedOutside, false, false, false, true},
-        CloseCase{"clickedOutsideOnAnotherApp", Close::clickedOutside, false, true, false, false},
-        CloseCase{"handedOffToOurWindow", Close::handedOff, true, false, false, false},
-        CloseCase{"handedOffWithNoWindowOfOurs", Close::handedOff, false, false, false, true},
-        CloseCase{"lostFront", Close::lostFront, false, false, false, false},
-        CloseCase{"toClip", Close::toClip, false, false, false, false}),
-    [](const auto& info) { return info.param.name; });
 
 TEST(ClipPanelFocusTests, DismissedFallsBackWhenThePreviousAppQuit) {
     FocusRig rig;
@@ -215,46 +197,39 @@ TEST(ClipPanelFocusTests, DismissedWithoutHoldingTheFrontGivesNothingBack) {
     EXPECT_EQ(rig.system.fallbackQueries, 0);
 }
 
-TEST(ClipPanelFocusTests, AStaleSettleCheckAfterReopeningDoesNothing) {
-    FocusRig rig;
-    rig.focus->open();
-    rig.focus->close(Close::clickedOutside);
-    rig.focus->open();
-    rig.scheduler.advance(kPanelFocusSettle * 2);
-    EXPECT_TRUE(rig.activator.requests.empty());
-    EXPECT_TRUE(rig.focus->isOpen());
-    EXPECT_TRUE(rig.focus->holdsFront());
-}
+TEST(ClipPanelFocusTests, OnlyTheLatestSettleCheckActsAndOnlyWhileTheKeeperLives) {
+    FocusRig reopened;
+    reopened.focus->open();
+    reopened.focus->close(Close::clickedOutside);
+    reopened.focus->open();
+    reopened.scheduler.advance(kPanelFocusSettle * 2);
+    EXPECT_TRUE(reopened.activator.requests.empty());
+    EXPECT_TRUE(reopened.focus->holdsFront());
 
-TEST(ClipPanelFocusTests, ASettleCheckOvertakenByAnotherCloseWaitsForTheLatest) {
-    FocusRig rig;
-    rig.focus->open();
-    rig.focus->close(Close::handedOff);
-    rig.scheduler.advance(0.1);
-    rig.focus->open();
-    rig.focus->close(Close::clickedOutside);
-    rig.scheduler.advance(kPanelFocusSettle - 0.1);
-    EXPECT_TRUE(rig.activator.requests.empty()) << "the first check is stale";
-    rig.scheduler.advance(0.1);
-    EXPECT_EQ(rig.activator.requests.size(), 1u);
-}
+    FocusRig overtaken;
+    overtaken.focus->open();
+    overtaken.focus->close(Close::handedOff);
+    overtaken.scheduler.advance(0.1);
+    overtaken.focus->open();
+    overtaken.focus->close(Close::clickedOutside);
+    overtaken.scheduler.advance(kPanelFocusSettle - 0.1);
+    EXPECT_TRUE(overtaken.activator.requests.empty()) << "the first check is stale";
+    overtaken.scheduler.advance(0.1);
+    EXPECT_EQ(overtaken.activator.requests.size(), 1u);
 
-TEST(ClipPanelFocusTests, ASettleCheckAfterTheKeeperIsGoneDoesNothing) {
-    FocusRig rig;
-    rig.focus->open();
-    rig.focus->close(Close::clickedOutside);
-    rig.focus.reset();
-    rig.scheduler.runAll();
-    EXPECT_TRUE(rig.activator.requests.empty());
-}
+    FocusRig gone;
+    gone.focus->open();
+    gone.focus->close(Close::clickedOutside);
+    gone.focus.reset();
+    gone.scheduler.runAll();
+    EXPECT_TRUE(gone.activator.requests.empty());
 
-TEST(ClipPanelFocusTests, CloseWhenNotOpenDoesNothing) {
-    FocusRig rig;
-    const auto generation = rig.focus->generation();
-    rig.focus->close(Close::dismissed);
-    rig.focus->close(Close::clickedOutside);
-    EXPECT_EQ(rig.focus->generation(), generation);
-    EXPECT_EQ(rig.scheduler.pendingCount(), 0u);
+    FocusRig closed;  // closing a closed panel changes nothing
+    const auto generation = closed.focus->generation();
+    closed.focus->close(Close::dismissed);
+    closed.focus->close(Close::clickedOutside);
+    EXPECT_EQ(closed.focus->generation(), generation);
+    EXPECT_EQ(closed.scheduler.pendingCount(), 0u);
 }
 
 }  // namespace
