@@ -10,13 +10,6 @@
 namespace harbex {
 namespace {
 
-TEST(ClipTimeWordTests, RawValuesAreThePhrases) {
-    EXPECT_EQ(enumName(ClipTimeWord::thisWeek), "this week");
-    EXPECT_EQ(enumFromName<ClipTimeWord>("last week"), ClipTimeWord::lastWeek);
-    EXPECT_EQ(enumFromName<ClipTimeWord>("lastWeek"), std::nullopt);
-    EXPECT_EQ(allCases<ClipTimeWord>().size(), 5u);
-}
-
 TEST(ClipTimeWordTests, ExtractsWholeWordPhrasesLongestFirst) {
     struct Case {
         std::string query;
@@ -29,15 +22,12 @@ TEST(ClipTimeWordTests, ExtractsWholeWordPhrasesLongestFirst) {
         {"yesterday", "", ClipTimeWord::yesterday},
         {"invoice today draft", "invoice  draft", ClipTimeWord::today},
         {"Notes LAST Week", "Notes ", ClipTimeWord::lastWeek},  // cut as typed
-        {"TODAY", "", ClipTimeWord::today},
         {"todays notes", "todays notes", std::nullopt},
-        {"notes fromtoday", "notes fromtoday", std::nullopt},
         {"todays today", "todays ", ClipTimeWord::today},  // a later whole-word match counts
         {"this month and today", " and today", ClipTimeWord::thisMonth},
         {"today this week", "today ", ClipTimeWord::thisWeek},
         {"yesterday this week", " this week", ClipTimeWord::yesterday},
         {"this  week", "this  week", std::nullopt},
-        {"café this week", "café ", ClipTimeWord::thisWeek},
         {"Ärger THIS WEEK", "Ärger ", ClipTimeWord::thisWeek},
         {"to\xE2\x84\xAA"
          "ay last wee\xE2\x84\xAA",
