@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 #include "HarbexClipCore/Library/ClipLibraryModel.hpp"
@@ -91,123 +90,67 @@ TEST_F(ClipLibraryViewModelTests, PinboardSectionsKeepTheBoardOrderAndShowTheEmp
 }
 
 TEST_F(ClipLibraryViewModelTests, CopiesOnTheShownBoardMoveInItsStoredOrder) {
-    const ClipItem a = textItem("a", kNow), b = textItem("b", kNow - 1),
-                   c = textItem("c", kNow - 2), d = textItem("d", kNow - 3);
-    // The board also holds a copy that is gone: the list leaves it out, the board keeps it.
+    const std::vector<ClipItem> items{textItem("a", kNow), textItem("b", kNow - 1),
+                                      textItem("c", kNow - 2), textItem("d", kNow - 3)};
+    // The board also holds a copy that is gone (x): the list leaves it out, the board keeps it.
     const Uuid gone = Uuid::random();
+    constexpr int kUp = -1, kDown = -2;  // the selected copy one step
     struct Case {
         const char* name;
-        std::function<bool(ClipLibraryViewModel&)> move;
+        char copy;
+        int to;
+        const char* meanwhile;  // "search", "sort" or "all": a view the board's order is not
         bool moved;
-        std::vector<std::string> listed;
+        const char* listed;
         std::size_t goneAt;  // where the missing copy is in the stored order afterwards
     };
-    const auto select = [](ClipLibraryViewModel& model, const ClipItem& item) {
-        model.select(item.id);
+    const Case cases[] = {
+        {"down past two", 'a', 2, "", true, "bcad", 0},
+        {"up to the top", 'd', 0, "", true, "dabc", 2},
+        {"onto its own place", 'b', 1, "", true, "abcd", 1},
+        {"beyond the end", 'c', 99, "", true, "abdc", 1},
+        {"a copy not on the board", 'x', 0, "", false, "abcd", 1},
+        {"selected one down", 'b', kDown, "", true, "acbd", 1},
+        {"selected one up, past the missing copy", 'b', kUp, "", true, "bacd", 2},
+        {"the first cannot go up", 'a', kUp, "", false, "abcd", 1},
+        {"the last cannot go down", 'd', kDown, "", false, "abcd", 1},
+        {"not while searching", 'a', 1, "search", false, "abcd", 1},
+        {"not while sorted otherwise", 'd', 0, "sort", false, "abcd", 1},
+        {"not outside a board", 'd', 0, "all", false, "abcd", 1},
     };
-    const std::vector<Case> cases{
-        {"down past two",
-         [&](auto& m) { return m.moveOnPinboard(a.id, 2); },
-         true,
-         {"b", "c", "a", "d"},
-         0},
-        {"up to the top",
-         [&](auto& m) { return m.moveOnPinboard(d.id, 0); },
-         true,
-         {"d", "a", "b", "c"},
-         2},
-        {"onto its own place",
-         [&](auto& m) { return m.moveOnPinboard(b.id, 1); },
-         true,
-         {"a", "b", "c", "d"},
-         1},
-        {"beyond the end",
-         [&](auto& m) { return m.moveOnPinboard(c.id, 99); },
-         true,
-         {"a", "b", "d", "c"},
-         1},
-        {"a copy not on the board",
-         [&](auto& m) { return m.moveOnPinboard(gone, 0); },
-         false,
-         {"a", "b", "c", "d"},
-         1},
-        {"selected one down",
-         [&](auto& m) {
-             select(m, b);
-             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::down);
-         },
-         true,
-         {"a", "c", "b", "d"},
-         1},
-        {"selected one up, past the missing copy",
-         [&](auto& m) {
-             select(m, b);
-             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::up);
-         },
-         true,
-         {"b", "a", "c", "d"},
-         2},
-        {"the first cannot go up",
-         [&](auto& m) {
-             select(m, a);
-             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::up);
-         },
-         false,
-         {"a", "b", "c", "d"},
-         1},
-        {"the last cannot go down",
-         [&](auto& m) {
-             select(m, d);
-             return m.moveSelectedOnPinboard(ClipLibraryViewModel::Step::down);
-         },
-         false,
-         {"a", "b", "c", "d"},
-         1},
-        {"not while searching",
-         [&](auto& m) {
-             m.setQuery("a");
-             const bool moved = m.moveOnPinboard(a.id, 1);
-             m.setQuery("");
-             return moved;
-         },
-         false,
-         {"a", "b", "c", "d"},
-         1},
-        {"not while sorted otherwise",
-         [&](auto& m) {
-             m.setSort(ClipLibrarySort::name);
-             const bool moved = m.moveOnPinboard(d.id, 0);
-             m.setSort(ClipLibrarySort::newest);
-             return moved;
-         },
-         false,
-         {"a", "b", "c", "d"},
-         1},
-        {"not outside a board",
-         [&](auto& m) {
-             m.setSection(ClipLibrarySection::all());
-             return m.moveOnPinboard(d.id, 0);
-         },
-         false,
-         {"a", "b", "c", "d"},
-         1},
-    };
-    for (const Case& c0 : cases) {
-        SCOPED_TRACE(c0.name);
-        start({a, b, c, d});
-        const Pinboard board{Uuid::random(), "Work", "", "", {a.id, gone, b.id, c.id, d.id}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        start(items);
+        const Uuid id = c.copy == 'x' ? gone : items[std::size_t(c.copy - 'a')].id;
+        const Pinboard board{Uuid::random(),
+                             "Work",
+                             "",
+                             "",
+                             {items[0].id, gone, items[1].id, items[2].id, items[3].id}};
         ASSERT_TRUE(engine.addPinboard(board));
         model->setSection(ClipLibrarySection::pinboard(board.id));
         EXPECT_TRUE(model->canRearrange());
-        EXPECT_EQ(c0.move(*model), c0.moved);
+        const std::string meanwhile = c.meanwhile;
+        if (meanwhile == "search") model->setQuery("a");
+        if (meanwhile == "sort") model->setSort(ClipLibrarySort::name);
+        if (meanwhile == "all") model->setSection(ClipLibrarySection::all());
+        if (c.to < 0) model->select(id);
+        const bool moved =
+            c.to >= 0
+                ? model->moveOnPinboard(id, std::size_t(c.to))
+                : model->moveSelectedOnPinboard(c.to == kUp ? ClipLibraryViewModel::Step::up
+                                                            : ClipLibraryViewModel::Step::down);
+        EXPECT_EQ(moved, c.moved);
+        model->setQuery("");
+        model->setSort(ClipLibrarySort::newest);
         model->setSection(ClipLibrarySection::pinboard(board.id));
-        std::vector<std::string> listed;
-        for (const ClipItem& item : model->items()) listed.push_back(*item.text);
-        EXPECT_EQ(listed, c0.listed);
+        std::string listed;
+        for (const ClipItem& item : model->items()) listed += *item.text;
+        EXPECT_EQ(listed, c.listed);
         const auto stored = std::ranges::find(engine.pinboards().get(), board.id, &Pinboard::id);
         ASSERT_NE(stored, engine.pinboards()->end());
         ASSERT_EQ(stored->itemIDs.size(), 5u);
-        EXPECT_EQ(stored->itemIDs[c0.goneAt], gone);
+        EXPECT_EQ(stored->itemIDs[c.goneAt], gone);
         engine.removePinboard(board.id);
     }
 }
