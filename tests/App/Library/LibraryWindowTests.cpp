@@ -253,11 +253,26 @@ TEST_F(LibraryWindowTests, SensitiveCopiesShowOnlyWhatTheyAre) {
     }
 }
 
-TEST_F(LibraryWindowTests, TheEnginesProblemShowsAtTheTopWhileThereIsOne) {
+// The strip follows the appearance; the window is also written to the build folder in light and
+// dark, for a person to look at.
+TEST_F(LibraryWindowTests, TheEnginesProblemShowsAtTheTopInTheWindowsShade) {
     EXPECT_FALSE(window->problemLabel()->isVisibleTo(window.get()));
     rig.engine->problem().set(std::string("The history can’t be opened"));
     EXPECT_TRUE(window->problemLabel()->isVisibleTo(window.get()));
     EXPECT_EQ(window->problemLabel()->text(), "The history can’t be opened");
+    for (const ClipAppearance appearance : {ClipAppearance::light, ClipAppearance::dark}) {
+        const bool dark = appearance == ClipAppearance::dark;
+        SCOPED_TRACE(dark ? "dark" : "light");
+        ClipSettings settings = rig.engine->settings().get();
+        settings.window.appearance = appearance;
+        rig.engine->updateSettings(settings);
+        EXPECT_EQ(window->palette().color(QPalette::Base).lightnessF() < 0.3, dark);
+        EXPECT_EQ(window->problemLabel()->shade(),
+                  dark ? ProblemBanner::Shade::dark : ProblemBanner::Shade::light);
+        const QString path =
+            QString(HARBEX_BINARY_DIR) + (dark ? "/library-dark.png" : "/library-light.png");
+        EXPECT_TRUE(window->grab().save(path)) << path.toStdString();
+    }
     rig.engine->problem().set(std::nullopt);
     EXPECT_FALSE(window->problemLabel()->isVisibleTo(window.get()));
 }
