@@ -23,14 +23,12 @@ struct DisplayCase {
 TEST(ClipShortcutTests, DisplayFormsInBothVocabularies) {
     const DisplayCase cases[] = {
         {9, 13, "⌃⌥⌘V", "Ctrl+Alt+Super+V"},
-        {9, 9, "⌃⌘V", "Ctrl+Super+V"},
         {9, 3, "⇧⌘V", "Ctrl+Shift+V"},
         {8, 1, "⌘C", "Ctrl+C"},
         {36, 10, "⌃⇧↩", "Shift+Super+Return"},
         {49, 4, "⌥Space", "Alt+Space"},
         {51, 15, "⌃⌥⇧⌘⌫", "Ctrl+Alt+Shift+Super+Backspace"},
         {53, 1, "⌘⎋", "Ctrl+Esc"},
-        {48, 1, "⌘⇥", "Ctrl+Tab"},
         {117, 8, "⌃⌦", "Super+Delete"},
         {123, 0, "←", "Left"},
         {116, 2, "⇧⇞", "Shift+Page Up"},
@@ -50,7 +48,6 @@ TEST(ClipShortcutTests, DecodingNeedsBothKeys) {
     const std::pair<const char*, bool> cases[] = {
         {R"({"keyCode":9,"modifiers":9})", true},
         {R"({"keyCode":9})", false},
-        {R"({"modifiers":9})", false},
         {R"({"keyCode":"9","modifiers":9})", false},
         {R"({"keyCode":9,"modifiers":1.5})", false},
         {R"({"keyCode":4294967296,"modifiers":1})", false},
@@ -73,15 +70,11 @@ TEST(ClipShortcutTests, UnknownModifierBitsSurviveARoundTrip) {
 
 // Public values: kVK_* from the macOS headers, XK_* from X11's keysymdef.h.
 TEST(ClipKeyCodesTests, KnownKeysMatchThePublicConstants) {
+    // A letter, a digit, punctuation, named keys, arrows and function keys.
     const std::pair<std::uint32_t, std::uint32_t> keysymToCode[] = {
-        {0x61, 0},     {0x76, 9},     {0x63, 8},     {0x7a, 6},     {0x71, 12},    {0x31, 18},
-        {0x35, 23},    {0x36, 22},    {0x30, 29},    {0x3d, 24},    {0x2d, 27},    {0x5d, 30},
-        {0x5b, 33},    {0x27, 39},    {0x3b, 41},    {0x5c, 42},    {0x2c, 43},    {0x2f, 44},
-        {0x2e, 47},    {0x60, 50},    {0x20, 49},    {0xff0d, 36},  {0xff09, 48},  {0xff08, 51},
-        {0xff1b, 53},  {0xffff, 117}, {0xff50, 115}, {0xff57, 119}, {0xff55, 116}, {0xff56, 121},
-        {0xff51, 123}, {0xff53, 124}, {0xff54, 125}, {0xff52, 126}, {0xffbe, 122}, {0xffbf, 120},
-        {0xffc0, 99},  {0xffc1, 118}, {0xffc2, 96},  {0xffc3, 97},  {0xffc4, 98},  {0xffc5, 100},
-        {0xffc6, 101}, {0xffc7, 109}, {0xffc8, 103}, {0xffc9, 111},
+        {0x61, 0},     {0x76, 9},     {0x31, 18},    {0x30, 29},    {0x5c, 42},    {0x60, 50},
+        {0x20, 49},    {0xff0d, 36},  {0xff09, 48},  {0xff08, 51},  {0xff1b, 53},  {0xffff, 117},
+        {0xff55, 116}, {0xff51, 123}, {0xff54, 125}, {0xffbe, 122}, {0xffc9, 111},
     };
     for (const auto& [keysym, code] : keysymToCode) {
         EXPECT_EQ(clipKeyCodeForKeysym(keysym), code) << std::hex << keysym;
