@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -89,87 +88,69 @@ ClipPayload textPayload(std::string text) {
     return payload;
 }
 
-struct StepCase {
-    std::string name;
-    ClipPayload payload;
-    std::optional<ClipTargetApp> target;
-    bool trusted;
-    bool activates;
-    PasteOutcome outcome;
-    Journal steps;  // journal right after paste returns
-};
-
-void PrintTo(const StepCase& c, std::ostream* out) { *out << c.name; }
-
-class ClipPasterStepTests : public testing::TestWithParam<StepCase> {};
-
-TEST_P(ClipPasterStepTests, FollowsTheStepsInOrderAndStopsAtTheFirstRefusal) {
-    const StepCase& c = GetParam();
-    PasterRig rig;
-    rig.trusted = c.trusted;
-    rig.activator.result = c.activates;
-    const std::int64_t before = rig.pasteboard.inner.changeCount();
-
-    const PasteResult result = rig.paster.paste(c.payload, c.target);
-
-    EXPECT_EQ(result.outcome, c.outcome);
-    EXPECT_EQ(rig.journal, c.steps);
-    if (c.outcome == PasteOutcome::failed) {
-        EXPECT_EQ(result.changeCount, before);
-        EXPECT_EQ(rig.pasteboard.inner.changeCount(), before) << "nothing may be written";
-    } else {
-        EXPECT_EQ(result.changeCount, before + 1);
-    }
-
-    // The keystroke comes only from the scheduler, never inside paste itself.
-    EXPECT_EQ(rig.typer.count, 0);
-    rig.scheduler.runAll();
-    EXPECT_EQ(rig.typer.count, c.outcome == PasteOutcome::pasted ? 1 : 0);
-}
-
 const ClipPayload kText = textPayload("hello");
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ClipPasterStepTests,
-    testing::Values(
-        StepCase{"emptyPayload",
-                 ClipPayload{},
-                 kEditor,
-                 true,
-                 true,
-                 PasteOutcome::failed,
-                 {"changeCount"}},
-        StepCase{"concealedFlagAloneIsEmpty",
-                 concealedOnly(),
-                 kEditor,
-                 true,
-                 true,
-                 PasteOutcome::failed,
-                 {"changeCount"}},
-        StepCase{"noTargetSkipsTrustAndActivation",
-                 kText,
-                 std::nullopt,
-                 true,
-                 true,
-                 PasteOutcome::copied,
-                 {"write"}},
-        StepCase{
-            "untrusted", kText, kEditor, false, true, PasteOutcome::copied, {"write", "isTrusted"}},
-        StepCase{"activationRefused",
-                 kText,
-                 kEditor,
-                 true,
-                 false,
-                 PasteOutcome::copied,
-                 {"write", "isTrusted", "activate:42"}},
-        StepCase{"pasted",
-                 kText,
-                 kEditor,
-                 true,
-                 true,
-                 PasteOutcome::pasted,
-                 {"write", "isTrusted", "activate:42", "schedule"}}),
-    [](const auto& info) { return info.param.name; });
+TEST(ClipPasterTests, FollowsTheStepsInOrderAndStopsAtTheFirstRefusal) {
+    using O = PasteOutcome;
+    struct Case {
+        const char* name;
+        ClipPayload payload;
+        std::optional<ClipTargetApp> target;
+        bool trusted;
+        bool activates;
+        PasteOutcome outcome;
+        Journal steps;  // journal right after paste returns
+    };
+    const Case cases[] = {
+        {"empty payload", ClipPayload{}, kEditor, true, true, O::failed, {"changeCount"}},
+        {"concealed flag alone is empty",
+         concealedOnly(),
+         kEditor,
+         true,
+         true,
+         O::failed,
+         {"changeCount"}},
+        {"no target skips trust and activation",
+         kText,
+         std::nullopt,
+         true,
+         true,
+         O::copied,
+         {"write"}},
+        {"untrusted", kText, kEditor, false, true, O::copied, {"write", "isTrusted"}},
+        {"activation refused",
+         kText,
+         kEditor,
+         true,
+         false,
+         O::copied,
+         {"write", "isTrusted", "activate:42"}},
+        {"pasted",
+         kText,
+         kEditor,
+         true,
+         true,
+         O::pasted,
+         {"write", "isTrusted", "activate:42", "schedule"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        PasterRig rig;
+        rig.trusted = c.trusted;
+        rig.activator.result = c.activates;
+        const std::int64_t before = rig.pasteboard.inner.changeCount();
+        const PasteResult result = rig.paster.paste(c.payload, c.target);
+        EXPECT_EQ(result.outcome, c.outcome);
+        EXPECT_EQ(rig.journal, c.steps);
+        const std::int64_t written = c.outcome == O::failed ? before : before + 1;
+        EXPECT_EQ(result.changeCount, written);
+        EXPECT_EQ(rig.pasteboard.inner.changeCount(), written) << "nothing more may be written";
+        // The keystroke comes only from the scheduler, never inside paste itself.
+        EXPECT_EQ(rig.typer.count, 0);
+        rig.scheduler.runAll();
+        EXPECT_EQ(rig.typer.count, c.outcome == O::pasted ? 1 : 0);
+    }
+}
 
 TEST(ClipPasterTests, ReturnsTheCountOfItsOwnWriteEvenWhenTheBoardMovesOnAtOnce) {
     PasterRig rig;

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,43 +19,27 @@ TEST(PasteStackTests, EachJoiningModeHasItsSeparatorAndOnePerPasteHasNone) {
     EXPECT_EQ(PasteStack::separator(ClipStackMode::spaces), Separator::space);
 }
 
-struct JoinCase {
-    std::string name;
-    std::vector<std::string> texts;
-    Separator separator;
-    std::string expected;
-};
-
-void PrintTo(const JoinCase& c, std::ostream* out) { *out << c.name; }
-
-class PasteStackJoinTests : public testing::TestWithParam<JoinCase> {};
-
-TEST_P(PasteStackJoinTests, Joins) {
-    const JoinCase& c = GetParam();
-    EXPECT_EQ(PasteStack::join(c.texts, c.separator), c.expected);
+TEST(PasteStackTests, JoinsTrimmingBreaksAndSkippingBlankTexts) {
+    using S = Separator;
+    struct Case {
+        std::vector<std::string> texts;
+        Separator separator;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {{"red", "green", "blue"}, S::comma, "red, green, blue"},
+        {{"red\n", "  green ", "\tblue\r\n"}, S::comma, "red, green, blue"},
+        {{"one\n", " two"}, S::space, "one two"},
+        {{"if x:\n", "    y()"}, S::newLine, "if x:\n    y()"},  // indentation kept
+        {{"a\r\n\n", "b"}, S::newLine, "a\nb"},
+        {{"a", " \n", "", "b"}, S::comma, "a, b"},
+        {{"a", "\n\n", "b"}, S::newLine, "a\nb"},
+        {{"only"}, S::space, "only"},
+        {{}, S::newLine, ""},
+        {{"café ", " naïve"}, S::comma, "café, naïve"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(PasteStack::join(c.texts, c.separator), c.expected);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, PasteStackJoinTests,
-    testing::Values(
-        JoinCase{"commasAddABlank", {"red", "green", "blue"}, Separator::comma, "red, green, blue"},
-        JoinCase{"commasTrimCopiedLineBreaks",
-                 {"red\n", "  green ", "\tblue\r\n"},
-                 Separator::comma,
-                 "red, green, blue"},
-        JoinCase{"spacesTrim", {"one\n", " two"}, Separator::space, "one two"},
-        JoinCase{"newLinesKeepIndentation",
-                 {"if x:\n", "    y()"},
-                 Separator::newLine,
-                 "if x:\n    y()"},
-        JoinCase{"newLinesDropOnlyTrailingBreaks", {"a\r\n\n", "b"}, Separator::newLine, "a\nb"},
-        JoinCase{"blankTextsAreSkipped", {"a", " \n", "", "b"}, Separator::comma, "a, b"},
-        JoinCase{
-            "lineBreakOnlyTextSkippedInNewLines", {"a", "\n\n", "b"}, Separator::newLine, "a\nb"},
-        JoinCase{"singleText", {"only"}, Separator::space, "only"},
-        JoinCase{"nothing", {}, Separator::newLine, ""},
-        JoinCase{"multibyteKept", {"café ", " naïve"}, Separator::comma, "café, naïve"}),
-    [](const auto& info) { return info.param.name; });
 
 TEST(PasteStackTests, KeepsTheOrderOfAddingAndIgnoresARepeat) {
     const Uuid a = Uuid::random(), b = Uuid::random(), c = Uuid::random();
@@ -75,13 +58,6 @@ std::vector<Uuid> someIds(int n) {
     std::vector<Uuid> ids;
     for (int i = 0; i < n; ++i) ids.push_back(Uuid::random());
     return ids;
-}
-
-TEST(ClipStackSequenceTests, OneCopyShowsTheLastOneMessageAtOnce) {
-    ClipStackSequence sequence(someIds(1));
-    sequence.wait(12);
-    EXPECT_EQ(sequence.notice(ClipKeyVocabulary::macSymbols), "Copied the last one, press ⌘V");
-    EXPECT_EQ(sequence.notice(ClipKeyVocabulary::linuxNames), "Copied the last one, press Ctrl+V");
 }
 
 TEST(ClipStackSequenceTests, WalksThroughTheCopiesWithTheirNotices) {
