@@ -16,12 +16,14 @@ TEST(ClipCodeLanguageTests, EachLanguageIsKnownByItsOwnMarks) {
     };
     const std::vector<Case> cases{
         {"fn main() {\n    println!(\"hello\");\n}", "Rust"},
+        {"let mut total = 0;\nfor x in v.iter() { total += x; }", "Rust"},
         {"def greet(name):\n    print(f\"hi {name}\")\n", "Python"},
         {"class Point:\n    def __init__(self, x):\n        self.x = x\n", "Python"},
         {"def greet\n  puts 'hi'\nend\n", "Ruby"},
         {"console.log(items.map(x => x * 2));", "JavaScript"},
         {"const total: number = items.length;\nconsole.log(total);", "TypeScript"},
         {"package main\n\nimport \"fmt\"\n\nfunc main() {\n\tfmt.Println(\"hi\")\n}", "Go"},
+        {"if err != nil {\n\treturn err\n}", "Go"},
         {"#include <stdio.h>\nint main(void) { printf(\"hi\\n\"); return 0; }", "C"},
         {"#include <iostream>\nint main() { std::cout << \"hi\"; }", "C++"},
         {"public class Main {\n  public static void main(String[] args) {\n"

@@ -43,6 +43,7 @@ const Context kEmpty{};
 const Context kTyped{.fieldEmpty = false};
 const Context kComposing{.fieldEmpty = false, .composing = true};
 const Context kQuickLook{.quickLookOpen = true};
+const Context kActions{.mode = ClipPanelMode::actions};
 
 TEST(ClipPanelKeyRouterTests, RoutesEachPressInItsContext) {
     struct RouteCase {
@@ -55,18 +56,23 @@ TEST(ClipPanelKeyRouterTests, RoutesEachPressInItsContext) {
         // Quick Look and input methods come first.
         {"quickLookSpaceCloses", press("", NK::space), kQuickLook, Route::closeQuickLook()},
         {"quickLookEscapeCloses", press("", NK::escape), kQuickLook, Route::closeQuickLook()},
+        {"quickLookShiftSpaceCloses", press("⇧", NK::space), kQuickLook, Route::closeQuickLook()},
         {"quickLookCommandEscapeIsAPanelKey", press("⌘", NK::escape), kQuickLook,
          Route::panel(K::escape)},
         {"quickLookDownStillMoves", press("", NK::down), kQuickLook, Route::panel(K::down)},
         {"quickLookCommandY", press("⌘", ch("y")), kQuickLook, Route::panel(K::commandY)},
         {"quickLookCommandWCloses", press("⌘", ch("w")), kQuickLook, Route::close()},
         {"composingReturnStaysInTheField", press("", NK::returnKey), kComposing, Route::field()},
+        {"composingEscapeStaysInTheField", press("", NK::escape), kComposing, Route::field()},
         {"composingArrowStaysInTheField", press("", NK::down), kComposing, Route::field()},
         {"composingCommandKeyStillWorks", press("⌘", ch("1")), kComposing,
          Route::panel(ClipPanelKey::commandNumber(1))},
         // Keys that close, open settings or never leave the panel.
         {"commandQCloses", press("⌘", ch("q")), kEmpty, Route::close()},
         {"commandWCloses", press("⌘", ch("w")), kEmpty, Route::close()},
+        {"commandHCloses", press("⌘", ch("h")), kEmpty, Route::close()},
+        {"commandMCloses", press("⌘", ch("m")), kEmpty, Route::close()},
+        {"commandOptionWIsSwallowed", press("⌘⌥", ch("w")), kEmpty, Route::swallow()},
         {"commandCommaOpensSettings", press("⌘", ch(",")), kTyped, Route::settings()},
         {"commandShiftQIsSwallowed", press("⌘⇧", ch("Q")), kEmpty, Route::swallow()},
         {"commandControlVIsSwallowed", press("⌃⌘", ch("v")), kEmpty, Route::swallow()},
@@ -77,6 +83,7 @@ TEST(ClipPanelKeyRouterTests, RoutesEachPressInItsContext) {
          Route::panel(ClipPanelKey::commandNumber(9))},
         {"commandZeroIsSwallowed", press("⌘", ch("0")), kEmpty, Route::swallow()},
         {"commandK", press("⌘", ch("k")), kEmpty, Route::panel(K::commandK)},
+        {"commandKInActionsMode", press("⌘", ch("k")), kActions, Route::panel(K::commandK)},
         {"commandP", press("⌘", ch("p")), kEmpty, Route::panel(K::commandP)},
         {"commandO", press("⌘", ch("o")), kEmpty, Route::panel(K::commandO)},
         {"commandY", press("⌘", ch("y")), kEmpty, Route::panel(K::commandY)},
@@ -91,9 +98,11 @@ TEST(ClipPanelKeyRouterTests, RoutesEachPressInItsContext) {
         {"commandA", press("⌘", ch("a")), kTyped, Route::edit(ClipEditCommand::selectAll)},
         {"commandZ", press("⌘", ch("z")), kTyped, Route::edit(ClipEditCommand::undo)},
         {"commandShiftZ", press("⌘⇧", ch("Z")), kTyped, Route::edit(ClipEditCommand::redo)},
+        {"commandShiftLowerZ", press("⌘⇧", ch("z")), kTyped, Route::edit(ClipEditCommand::redo)},
         {"return", press("", NK::returnKey), kTyped, Route::panel(K::returnKey)},
         {"enter", press("", NK::enter), kEmpty, Route::panel(K::returnKey)},
         {"shiftReturn", press("⇧", NK::returnKey), kEmpty, Route::panel(K::shiftReturn)},
+        {"shiftEnter", press("⇧", NK::enter), kEmpty, Route::panel(K::shiftReturn)},
         {"commandReturn", press("⌘", NK::returnKey), kEmpty, Route::panel(K::commandReturn)},
         {"commandWinsOverShift", press("⌘⇧", NK::enter), kEmpty, Route::panel(K::commandReturn)},
         {"up", press("", NK::up), kEmpty, Route::panel(K::up)},
@@ -113,7 +122,9 @@ TEST(ClipPanelKeyRouterTests, RoutesEachPressInItsContext) {
         {"controlDeleteOnEmptyIsTheField", press("⌃", NK::deleteKey), kEmpty, Route::field()},
         {"left", press("", NK::left), kTyped, Route::field()},
         {"commandRight", press("⌘", NK::right), kTyped, Route::field()},
+        {"forwardDelete", press("", NK::forwardDelete), kEmpty, Route::field()},
         {"letter", press("", ch("a")), kEmpty, Route::field()},
+        {"shiftedLetter", press("⇧", ch("A")), kEmpty, Route::field()},
         {"optionChordTypesASpecialCharacter", press("⌥", ch("e")), kEmpty, Route::field()},
         {"controlChordEditsTheField", press("⌃", ch("a")), kTyped, Route::field()},
         {"digitWithoutCommandIsTyped", press("", ch("1")), kEmpty, Route::field()},

@@ -36,6 +36,8 @@ TEST(ClipShortcutCheckTests, ProblemsInBothVocabularies) {
          "Ctrl+Tab is every app’s own."},
         {"CommandM", 46, 1, Slot::panel, keepDefaults, "⌘M is every app’s own.",
          "Ctrl+M is every app’s own."},
+        {"CommandH", 4, 1, Slot::panel, keepDefaults, "⌘H is every app’s own.",
+         "Ctrl+H is every app’s own."},
         {"OptionCommandC", 8, 5, Slot::pause, keepDefaults, std::nullopt, std::nullopt},
         {"ShiftCommandC", 8, 3, Slot::pause, keepDefaults, std::nullopt, std::nullopt},
         {"CommandB", 11, 1, Slot::pause, keepDefaults, std::nullopt, std::nullopt},
@@ -112,6 +114,7 @@ TEST(ClipShortcutCheckTests, WarningsInBothVocabularies) {
          "Many apps use Ctrl+Alt+Shift+V for Paste and Match Style."},
         {9, 1, std::nullopt, std::nullopt},
         {9, 11, std::nullopt, std::nullopt},
+        {9, 6, std::nullopt, std::nullopt},
         {8, 3, std::nullopt, std::nullopt},
     };
     for (const auto& c : cases) {

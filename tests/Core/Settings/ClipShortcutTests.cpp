@@ -48,6 +48,7 @@ TEST(ClipShortcutTests, DecodingNeedsBothKeys) {
     const std::pair<const char*, bool> cases[] = {
         {R"({"keyCode":9,"modifiers":9})", true},
         {R"({"keyCode":9})", false},
+        {R"({"modifiers":9})", false},
         {R"({"keyCode":"9","modifiers":9})", false},
         {R"({"keyCode":9,"modifiers":1.5})", false},
         {R"({"keyCode":4294967296,"modifiers":1})", false},
@@ -70,11 +71,15 @@ TEST(ClipShortcutTests, UnknownModifierBitsSurviveARoundTrip) {
 
 // Public values: kVK_* from the macOS headers, XK_* from X11's keysymdef.h.
 TEST(ClipKeyCodesTests, KnownKeysMatchThePublicConstants) {
-    // A letter, a digit, punctuation, named keys, arrows and function keys.
     const std::pair<std::uint32_t, std::uint32_t> keysymToCode[] = {
-        {0x61, 0},     {0x76, 9},     {0x31, 18},    {0x30, 29},    {0x5c, 42},    {0x60, 50},
-        {0x20, 49},    {0xff0d, 36},  {0xff09, 48},  {0xff08, 51},  {0xff1b, 53},  {0xffff, 117},
-        {0xff55, 116}, {0xff51, 123}, {0xff54, 125}, {0xffbe, 122}, {0xffc9, 111},
+        {0x61, 0},     {0x76, 9},     {0x63, 8},     {0x7a, 6},     {0x71, 12},    {0x31, 18},
+        {0x35, 23},    {0x36, 22},    {0x30, 29},    {0x3d, 24},    {0x2d, 27},    {0x5d, 30},
+        {0x5b, 33},    {0x27, 39},    {0x3b, 41},    {0x5c, 42},    {0x2c, 43},    {0x2f, 44},
+        {0x2e, 47},    {0x60, 50},    {0x20, 49},    {0xff0d, 36},  {0xff09, 48},  {0xff08, 51},
+        {0xff1b, 53},  {0xffff, 117}, {0xff50, 115}, {0xff57, 119}, {0xff55, 116}, {0xff56, 121},
+        {0xff51, 123}, {0xff53, 124}, {0xff54, 125}, {0xff52, 126}, {0xffbe, 122}, {0xffbf, 120},
+        {0xffc0, 99},  {0xffc1, 118}, {0xffc2, 96},  {0xffc3, 97},  {0xffc4, 98},  {0xffc5, 100},
+        {0xffc6, 101}, {0xffc7, 109}, {0xffc8, 103}, {0xffc9, 111},
     };
     for (const auto& [keysym, code] : keysymToCode) {
         EXPECT_EQ(clipKeyCodeForKeysym(keysym), code) << std::hex << keysym;

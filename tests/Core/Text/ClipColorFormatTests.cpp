@@ -26,6 +26,7 @@ const TextCase kTextCases[] = {
     {{k94, k92, k230, 1}, ClipColorFormat::oklch, "oklch(55.6% 0.203 278.1)"},
     {{k94, k92, k230, 0.5}, ClipColorFormat::hex, "#5E5CE680"},
     {{k94, k92, k230, 0.5}, ClipColorFormat::rgb, "rgba(94, 92, 230, 0.50)"},
+    {{k94, k92, k230, 0.5}, ClipColorFormat::hsl, "hsl(241, 73%, 63%)"},  // no alpha in HSL
     {{k94, k92, k230, 0.5}, ClipColorFormat::oklch, "oklch(55.6% 0.203 278.1 / 0.50)"},
     // Alpha 0.999 is not opaque: every form but HSL says so, rounded up.
     {{k94, k92, k230, 0.999}, ClipColorFormat::hex, "#5E5CE6FF"},

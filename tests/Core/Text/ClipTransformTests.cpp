@@ -52,6 +52,7 @@ TEST(ClipTransformTests, ChangesCaseWithFullUnicodeMappings) {
         {T::sentenceCase, "first line\nsecond line", "First line\nsecond line"},
         {T::sentenceCase, "wait... what?!  ok", "Wait... What?!  Ok"},
         {T::sentenceCase, "ß is sharp", "Ss is sharp"},
+        {T::sentenceCase, "42 APPLES. 7 PEARS", "42 apples. 7 pears"},
     });
 }
 
@@ -126,6 +127,8 @@ TEST(ClipTransformTests, TurnsMarkdownIntoPlainText) {
         {T::markdownToPlainText, "**Word** [link text](https://example.com/a?b=c)",
          "Word link text"},
         {T::markdownToPlainText, "See ![alt text](img.png) here", "See alt text here"},
+        {T::markdownToPlainText, "![](img.png)", ""},
+        {T::markdownToPlainText, "###### Deep", "Deep"},
         {T::markdownToPlainText, "# Title\n\nSome **bold**, *italic* and __strong__.",
          "Title\n\nSome bold, italic and strong."},
         {T::markdownToPlainText, "Use `code` here", "Use code here"},
@@ -154,12 +157,17 @@ TEST(ClipTransformTests, StripsTrackingParametersFromLinks) {
         {T::stripTrackingFromLink,
          "http://example.com?mc_eid=1&mc_cid=2&_hsenc=3&_hsmi=4&mkt_tok=5&msclkid=6&igshid=7",
          "http://example.com"},
+        {T::stripTrackingFromLink, "https://x.org/?a=1&dclid=2&b&gbraid=3&wbraid=4&yclid=5",
+         "https://x.org/?a=1&b"},
+        {T::stripTrackingFromLink, "https://x.org/?vero_id=1&oly_enc_id=2&oly_anon_id=3&s_cid=4",
+         "https://x.org/"},
         {T::stripTrackingFromLink, "HTTPS://Example.COM/Path?ref_src=twsrc&Keep=Me",
          "https://example.com/Path?Keep=Me"},
         {T::stripTrackingFromLink, "https://user@example.com:8080/p?x=1&&utm_id=2&pk_source=3#f",
          "https://user@example.com:8080/p?x=1#f"},
         {T::stripTrackingFromLink, "https://[::1]/?igshid=1", "https://[::1]/"},
         // Links without trackers come back as they were.
+        {T::stripTrackingFromLink, "https://example.com/page", "https://example.com/page"},
         {T::stripTrackingFromLink, "https://example.com/?q=1&&r=2",
          "https://example.com/?q=1&&r=2"},
         {T::stripTrackingFromLink, "https://example.com/?utm=1", "https://example.com/?utm=1"},
@@ -170,6 +178,7 @@ TEST(ClipTransformTests, StripsTrackingParametersFromLinks) {
         {T::stripTrackingFromLink, "example.com/?utm_source=x", std::nullopt},
         {T::stripTrackingFromLink, "ftp://example.com/?utm_source=x", std::nullopt},
         {T::stripTrackingFromLink, "https:///path?utm_source=x", std::nullopt},
+        {T::stripTrackingFromLink, "https://", std::nullopt},
         {T::stripTrackingFromLink, "https://exa mple.com/?utm_source=x", std::nullopt},
         {T::stripTrackingFromLink, "see https://example.com/?utm_source=x", std::nullopt},
         {T::stripTrackingFromLink, "https://a.com/?utm_source=x\nhttps://b.com/", std::nullopt},
@@ -191,6 +200,7 @@ TEST(ClipTransformTests, EncodesAndDecodesBase64) {
         {T::base64Decode, "Pz8-", "?\?>"},  // URL-safe alphabet
         {T::base64Decode, "Pz8+", "?\?>"},
         {T::base64Decode, "", std::nullopt},
+        {T::base64Decode, "   ", std::nullopt},
         {T::base64Decode, "hello world!", std::nullopt},
         {T::base64Decode, "abcde", std::nullopt},  // a length no Base64 text has
         {T::base64Decode, "aGVsbG8=aGVs", std::nullopt},
@@ -211,6 +221,7 @@ TEST(ClipTransformTests, EncodesAndDecodesURLs) {
         {T::urlDecode, "a+b", "a+b"},
         {T::urlDecode, "%0A", "\n"},
         {T::urlDecode, "100%", std::nullopt},
+        {T::urlDecode, "%2", std::nullopt},
         {T::urlDecode, "%zz", std::nullopt},
         {T::urlDecode, "%%41", std::nullopt},
         {T::urlDecode, "%FF", std::nullopt},  // not UTF-8
@@ -232,6 +243,7 @@ TEST(ClipTransformTests, FormatsAndMinifiesJSONKeepingItsTokens) {
         {T::formatJSON, R"({"a":1,"a":2})", "{\n  \"a\": 1,\n  \"a\": 2\n}"},
         {T::formatJSON, "[ [ ], { } ]", "[\n  [],\n  {}\n]"},
         {T::formatJSON, "\"é\"", "\"é\""},
+        {T::formatJSON, "true", "true"},
         {T::formatJSON, "", std::nullopt},
         {T::formatJSON, "{'a':1}", std::nullopt},
         {T::formatJSON, "[1,]", std::nullopt},
