@@ -156,46 +156,29 @@ TEST_F(LibraryRearrangeTests, ADropEventOnTheListReordersTheBoardAndIsKeptOnDisk
 
 TEST_F(LibraryRearrangeTests, AltUpAndDownAndTheMenuMoveTheSelectedCopy) {
     ASSERT_TRUE(window->selectCopy(idOf("three")));
-    struct Step {
-        const char* name;
-        std::function<void()> act;
-        QStringList order;
-    };
     const auto menuAction = [&](const QString& text) {
         std::unique_ptr<QMenu> menu = window->copyMenu();
         for (QAction* action : menu->actions()) {
-            if (action->text() == text) {
-                if (action->isEnabled()) action->trigger();
-                return;
-            }
+            if (action->text() == text && action->isEnabled()) action->trigger();
         }
-        ADD_FAILURE() << "no menu item " << text.toStdString();
     };
-    const std::vector<Step> steps{
-        {"Alt+Up",
-         [&] { pressOnList(Qt::Key_Up, Qt::AltModifier); },
-         {"one", "three", "two", "four"}},
-        {"Alt+Up again",
-         [&] { pressOnList(Qt::Key_Up, Qt::AltModifier); },
-         {"three", "one", "two", "four"}},
-        {"Alt+Up at the top",
-         [&] { pressOnList(Qt::Key_Up, Qt::AltModifier); },
-         {"three", "one", "two", "four"}},
-        {"Alt+Down",
-         [&] { pressOnList(Qt::Key_Down, Qt::AltModifier); },
-         {"one", "three", "two", "four"}},
-        {"Move Down from the menu",
-         [&] { menuAction("Move Down"); },
-         {"one", "two", "three", "four"}},
-        {"Move Up from the menu", [&] { menuAction("Move Up"); }, {"one", "three", "two", "four"}},
-    };
-    for (const Step& step : steps) {
-        SCOPED_TRACE(step.name);
-        step.act();
-        EXPECT_EQ(boardOrder(), step.order);
+    const auto expectOrder = [&](const QStringList& order) {
+        EXPECT_EQ(boardOrder(), order);
         EXPECT_EQ(window->model().selectedID(), idOf("three")) << "the moved copy stays chosen";
         EXPECT_EQ(window->list()->currentIndex().row(), rowOf("three"));
-    }
+    };
+    pressOnList(Qt::Key_Up, Qt::AltModifier);
+    expectOrder({"one", "three", "two", "four"});
+    pressOnList(Qt::Key_Up, Qt::AltModifier);
+    expectOrder({"three", "one", "two", "four"});
+    pressOnList(Qt::Key_Up, Qt::AltModifier);  // at the top already
+    expectOrder({"three", "one", "two", "four"});
+    pressOnList(Qt::Key_Down, Qt::AltModifier);
+    expectOrder({"one", "three", "two", "four"});
+    menuAction("Move Down");
+    expectOrder({"one", "two", "three", "four"});
+    menuAction("Move Up");
+    expectOrder({"one", "three", "two", "four"});
 }
 
 TEST_F(LibraryRearrangeTests, NothingMovesWhereTheListIsNotTheBoardsOwnOrder) {
