@@ -23,6 +23,7 @@ TEST(ClipTimeWordTests, ExtractsWholeWordPhrasesLongestFirst) {
         {"invoice today draft", "invoice  draft", ClipTimeWord::today},
         {"Notes LAST Week", "Notes ", ClipTimeWord::lastWeek},  // cut as typed
         {"todays notes", "todays notes", std::nullopt},
+        {"notes fromtoday", "notes fromtoday", std::nullopt},
         {"todays today", "todays ", ClipTimeWord::today},  // a later whole-word match counts
         {"this month and today", " and today", ClipTimeWord::thisMonth},
         {"today this week", "today ", ClipTimeWord::thisWeek},
