@@ -89,6 +89,8 @@ TEST(ClipColorFormatTests, TellsTheFormOfAColourText) {
         {"OKLCH(55% 0.2 270)", ClipColorFormat::oklch},
         {"color: #fff", std::nullopt},
         {"", std::nullopt},
+        {"   ", std::nullopt},
+        {"ok", std::nullopt},
         {"lab(50% 40 30)", std::nullopt},
         {"red", std::nullopt},
     };
