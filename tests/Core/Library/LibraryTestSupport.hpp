@@ -10,12 +10,13 @@
 #include "HarbexClipCore/Model/ClipItem.hpp"
 #include "HarbexClipCore/Support/Calendar.hpp"
 #include "HarbexClipCore/Testing/EngineRig.hpp"
+#include "tests/Core/Panel/PanelTestSupport.hpp"
 
 namespace harbex::librarytest {
 
-// Thursday 14 March 2024, 14:30 in London; the en_GB week started on Monday 11 March.
-inline const Date kNow = Date::fromUnix(1710426600);
-inline Calendar london() { return Calendar("Europe/London", "en_GB"); }
+// The panel tests' moment and place: Thursday 14 March 2024, 14:30 in London.
+using paneltest::kNow;
+using paneltest::london;
 
 inline ClipItem textItem(std::string text, Date date, std::string app = "org.gnome.TextEditor",
                          std::string appName = "Text Editor") {
@@ -36,7 +37,10 @@ inline ClipItem imageItem(std::string digest, Date date, std::int64_t bytes = 10
 class EngineAtNow {
 public:
     EngineAtNow()
-        : rig(options()), clock(rig.clock), scheduler(rig.scheduler), engine(rig.start()) {}
+        : rig(paneltest::panelRigOptions()),
+          clock(rig.clock),
+          scheduler(rig.scheduler),
+          engine(rig.start()) {}
     // Opens the history with `items` (newest first), pinning `pinned` among them.
     ClipEngine& seed(std::vector<ClipItem> items, const std::vector<Uuid>& pinned = {}) {
         return rig.seed(std::move(items), pinned);
@@ -46,15 +50,6 @@ public:
     FixedClock& clock;
     ManualScheduler& scheduler;
     ClipEngine& engine;
-
-private:
-    static testing::EngineRigOptions options() {
-        testing::EngineRigOptions options;
-        options.withStore = false;
-        options.zone = "Europe/London";
-        options.now = kNow;
-        return options;
-    }
 };
 
 // A library view model over that engine.
