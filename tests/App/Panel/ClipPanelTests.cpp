@@ -324,19 +324,24 @@ TEST_F(ClipPanelTests, TypingSearchesAndReturnPastesIntoTheFrontApplication) {
               "Thanks for the quick review! I’ll merge it after lunch.");
 }
 
-TEST_F(ClipPanelTests, ThePreviewShowsEachKindOfCopy) {
+// The pane shows each kind of copy; a code copy's language is tagged on its row and the pane.
+TEST_F(ClipPanelTests, ThePreviewShowsEachKindOfCopyAndCodeItsLanguage) {
     start();
     struct Case {
         std::string title;
         PreviewKind kind;
         QString body;  // a part of what the pane shows
         QString details;
+        QString language;  // empty: no tag
     };
     const Case cases[] = {
-        {"fn main() {", PreviewKind::text, "println!(\"hello\");", "Visual Studio Code · 4 words"},
-        {"Image 2560 × 1700", PreviewKind::image, "", "Screenshot · 2560 × 1700 · 1.8 MB"},
-        {"#5E5CE6", PreviewKind::colour, "rgb(94, 92, 230)", "Firefox · Colour"},
-        {"Sensitive, hidden", PreviewKind::hidden, "looked like a password", "KeePassXC"},
+        {"fn main() {", PreviewKind::text, "println!(\"hello\");", "Visual Studio Code · 4 words",
+         "Rust"},
+        {"Thanks for the quick review! I’ll merge it after lunch.", PreviewKind::text, "merge",
+         "Text Editor", ""},
+        {"Image 2560 × 1700", PreviewKind::image, "", "Screenshot · 2560 × 1700 · 1.8 MB", ""},
+        {"#5E5CE6", PreviewKind::colour, "rgb(94, 92, 230)", "Firefox · Colour", ""},
+        {"Sensitive, hidden", PreviewKind::hidden, "looked like a password", "KeePassXC", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.title);
@@ -355,12 +360,21 @@ TEST_F(ClipPanelTests, ThePreviewShowsEachKindOfCopy) {
         EXPECT_TRUE(panel->previewPane()->detailsText().startsWith(c.details))
             << panel->previewPane()->detailsText().toStdString();
         EXPECT_FALSE(panel->previewPane()->bodyText().contains("correct-horse"));
+        const int row = panel->rows()->selectedRow();
+        ASSERT_GE(row, 0);
+        const std::optional<std::string>& tagged = panel->rows()->look(row).language;
+        EXPECT_EQ(tagged ? QString::fromStdString(*tagged) : QString(), c.language);
+        QLabel* label = panel->previewPane()->languageLabel();
+        EXPECT_EQ(label->isVisibleTo(panel.get()), !c.language.isEmpty());
+        EXPECT_EQ(label->isVisibleTo(panel.get()) ? label->text() : QString(), c.language);
     }
     selectTitled("Image 2560 × 1700");
     EXPECT_EQ(panel->previewPane()->image().size(), QSize(256, 170))
         << "without the stored image the thumbnail stands in";
     selectTitled("#5E5CE6");
     EXPECT_EQ(panel->previewPane()->colour(), QColor(0x5e, 0x5c, 0xe6));
+    selectTitled("fn main() {");
+    screenshot("panel-code-language-light.png");
 }
 
 TEST_F(ClipPanelTests, ThePreviewPaneFollowsTheSettingsAndSpaceEnlargesIt) {
@@ -431,34 +445,6 @@ TEST_F(ClipPanelTests, PicturesAreLoadedOnceAndKeptForRepaints) {
     (void)panel->grab();
     EXPECT_EQ(thumbnailReads, reads);
     EXPECT_EQ(panel->images().loads(), loads);
-}
-
-TEST_F(ClipPanelTests, ACodeCopyShowsItsLanguageInItsRowAndPreview) {
-    start();
-    struct Case {
-        std::string title;
-        QString language;  // empty: no tag
-    };
-    const Case cases[] = {
-        {"fn main() {", "Rust"},
-        {"Thanks for the quick review! I’ll merge it after lunch.", ""},
-        {"#5E5CE6", ""},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.title);
-        selectTitled(c.title);
-        const int row = panel->rows()->selectedRow();
-        ASSERT_GE(row, 0);
-        const std::optional<std::string>& tagged = panel->rows()->look(row).language;
-        EXPECT_EQ(tagged ? QString::fromStdString(*tagged) : QString(), c.language);
-        QLabel* label = panel->previewPane()->languageLabel();
-        EXPECT_EQ(label->isVisibleTo(panel.get()), !c.language.isEmpty());
-        if (!c.language.isEmpty()) {
-            EXPECT_EQ(label->text(), c.language);
-        }
-    }
-    selectTitled("fn main() {");
-    screenshot("panel-code-language-light.png");
 }
 
 TEST_F(ClipPanelTests, TheEnginesProblemStandsAtTheTopWhileThereIsOne) {
