@@ -236,6 +236,20 @@ void AppDelegate::startPumps() {
                 if (!wayland) sampleSoon();
             });
     }
+    if (WaylandDesktop* desktop = app_->waylandDesktop()) {
+        // The window list keeps up with the compositor; a lost compositor is the clipboard's
+        // news to tell.
+        desktopPump_ = std::make_unique<SocketEventPump>(
+            desktop->fd(),
+            [this, desktop] {
+                if (!desktop->dispatch() && desktopPump_) {
+                    QTimer::singleShot(0, this, [this] {
+                        if (desktopPump_) desktopPump_->stop();
+                    });
+                }
+            },
+            [] {});
+    }
     if (!wayland) return;
     waylandPump_ = std::make_unique<SocketEventPump>(
         wayland->fd(),
@@ -283,7 +297,8 @@ void AppDelegate::perform(ClipCommand command) {
     switch (command) {
         case ClipCommand::open:
         case ClipCommand::library: showLibrary(); break;
-        case ClipCommand::panel: showPanel(); break;
+        // Where the desktop binds the keys itself, this is the shortcut: timed the same way.
+        case ClipCommand::panel: openPanelFromShortcut(); break;
         case ClipCommand::pause: togglePause(); break;
         case ClipCommand::settings: showSettings(); break;
         case ClipCommand::autostart: break;
@@ -427,9 +442,13 @@ void AppDelegate::showSettings(std::optional<ClipSettingsPage> page) {
                 },
             .applications = [this] { return applications(); },
             .historyFolder = ClipAppPlaces::standard().historyFolder.string(),
-            .session = {app_->session().clipboard, app_->session().note},
+            .session = settingsSession(),
         };
         settingsWindow_ = new SettingsWindow(std::move(services));
+        if (PortalHotKeyRegistrar* portal = app_->portalShortcuts()) {
+            connect(portal, &PortalHotKeyRegistrar::answersChanged, settingsWindow_,
+                    &SettingsWindow::refreshShortcutStatus);
+        }
         settingsWindow_->setAttribute(Qt::WA_DeleteOnClose);
         settingsWindow_->setWindowIcon(QIcon(":/harbex/app.harbexapps.clip.svg"));
     }
@@ -437,6 +456,28 @@ void AppDelegate::showSettings(std::optional<ClipSettingsPage> page) {
     settingsWindow_->show();
     settingsWindow_->raise();
     settingsWindow_->activateWindow();
+}
+
+SettingsWindowServices::Session AppDelegate::settingsSession() {
+    const ClipPlatform& platform = app_->platform();
+    SettingsWindowServices::Session session{
+        .platform = app_->session().platform,
+        .note = app_->session().note,
+        .doubleTap = platform.doubleTap,
+        .compositorBindings = platform.shortcuts == ClipPlatform::Shortcuts::none,
+        .shortcutStatus = {},
+    };
+    if (PortalHotKeyRegistrar* portal = app_->portalShortcuts()) {
+        session.shortcutStatus = [portal](ClipShortcutSlot slot) -> std::optional<std::string> {
+            const HotKeyWhich which = slot == ClipShortcutSlot::panel        ? HotKeyWhich::panel
+                                      : slot == ClipShortcutSlot::mainWindow ? HotKeyWhich::library
+                                                                             : HotKeyWhich::pause;
+            const auto answer = portal->answer(which);
+            if (!answer) return std::nullopt;
+            return PortalHotKeyRegistrar::describe(*answer);
+        };
+    }
+    return session;
 }
 
 std::vector<std::pair<std::string, std::string>> AppDelegate::applications() {

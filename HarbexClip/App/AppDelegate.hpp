@@ -70,6 +70,8 @@ public:
 private:
     void startSampling();
     void startPumps();
+    // What the settings window shows of this session's platform choices.
+    SettingsWindowServices::Session settingsSession();
     void sampleSoon();
     void openPanelFromShortcut();
     void whenHistoryOpens();
@@ -88,6 +90,7 @@ private:
     Subscription readyWatch_;
     std::unique_ptr<SocketEventPump> pump_;         // the X display, when there is one
     std::unique_ptr<SocketEventPump> waylandPump_;  // the Wayland clipboard, when used
+    std::unique_ptr<SocketEventPump> desktopPump_;  // the Wayland window list, when used
     // Set once when the Wayland compositor goes away; shown in the tray menu.
     std::optional<std::string> clipboardProblem_;
     bool sampleQueued_ = false;

@@ -16,26 +16,24 @@ namespace harbex {
 
 namespace {
 
-ClipSessionInfo sessionInfo(const WaylandPasteboard* wayland,
-                            std::optional<WaylandError> waylandProblem, bool hasX11) {
-    if (wayland) {
-        return ClipSessionInfo{
-            "Clipboard: Wayland data-control",
-            hasX11 ? std::string()
-                   : "Global shortcuts, the double tap and pasting into other windows are not "
-                     "available in this session yet: the panel copies the chosen item for you "
-                     "to paste. A key of your desktop’s own can run “harbex-clipboard --panel”."};
+// What the About page adds to the platform line: what does not work in this session, when
+// something does not.
+std::string sessionNote(const ClipPlatform& platform, std::optional<WaylandError> waylandProblem,
+                        bool waylandSession) {
+    if (platform.clipboard == ClipPlatform::Clipboard::x11 &&
+        waylandProblem == WaylandError::noDataControl) {
+        return "This Wayland desktop gives clipboard managers no access of their own, so the "
+               "clipboard is read and written through XWayland: copies made in Wayland windows "
+               "may only arrive once an X11 window has had the focus.";
     }
-    if (waylandProblem == WaylandError::noDataControl) {
-        return ClipSessionInfo{
-            "Clipboard: X11",
-            "This Wayland desktop gives clipboard managers no access of their own, so the "
-            "clipboard is read and written through XWayland: copies made in Wayland windows may "
-            "only arrive once an X11 window has had the focus, and pasting into Wayland windows "
-            "may not work."};
-    }
-    return ClipSessionInfo{"Clipboard: X11", std::string()};
+    if (!waylandSession) return std::string();
+    if (platform.paste == ClipPlatform::Paste::none || platform.front == ClipPlatform::Front::none)
+        return "This desktop does not let other applications type into its windows, so Return "
+               "copies the chosen item and you press Ctrl+V.";
+    return std::string();
 }
+
+bool nonEmpty(const char* value) { return value && *value; }
 
 }  // namespace
 
@@ -49,39 +47,54 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
     std::unique_ptr<ClipApp> app(new ClipApp());
     app->scheduler_ = std::make_unique<QtScheduler>(loopContext);
     app->clock_ = std::make_unique<SystemClock>();
-    // A Wayland session whose compositor offers data-control gets the Wayland clipboard; the X
-    // display, when there is one, still serves the front app, the paste keystroke and the keys.
+    // What the session offers, then one decision of which implementation does each job.
+    ClipSessionFacts facts;
+    if (nonEmpty(std::getenv("WAYLAND_DISPLAY"))) {
+        if (auto desktop = WaylandDesktop::open()) {
+            app->desktop_ = std::move(*desktop);
+            facts.wayland = true;
+            facts.dataControl = app->desktop_->hasDataControl();
+            facts.foreignToplevels = app->desktop_->hasForeignToplevels();
+            facts.virtualKeyboard = app->desktop_->hasVirtualKeyboard();
+        }
+    }
+    const char* sessionType = std::getenv("XDG_SESSION_TYPE");
+    facts.sessionTypeX11 = sessionType && std::string_view(sessionType) == "x11";
+    // The X display only when something may use it: an X11 session, or a Wayland one whose
+    // clipboard has to go through XWayland.
+    if (!facts.wayland || !facts.dataControl || facts.sessionTypeX11) {
+        if (auto connection = X11Connection::open()) {
+            app->connection_ = std::move(*connection);
+            facts.x11 = true;
+            facts.xtest = app->connection_->hasXTest();
+        } else if (!facts.wayland || !facts.dataControl) {
+            return std::unexpected(connection.error() == X11Error::missingXFixes
+                                       ? "Harbex Clipboard needs an X server with the XFixes "
+                                         "extension to see copies."
+                                       : "Harbex Clipboard couldn’t open the X display.");
+        }
+    }
+    facts.shortcutsPortal = facts.wayland && PortalHotKeyRegistrar::available();
+    ClipPlatform platform = ClipPlatform::choose(facts);
+
     std::optional<WaylandError> waylandProblem;
-    if (const char* wayland = std::getenv("WAYLAND_DISPLAY"); wayland && *wayland) {
-        auto opened = WaylandPasteboard::open();
-        if (opened) {
+    if (facts.wayland && !facts.dataControl) waylandProblem = WaylandError::noDataControl;
+    if (platform.clipboard == ClipPlatform::Clipboard::waylandDataControl) {
+        if (auto opened = WaylandPasteboard::open()) {
             app->wayland_ = opened->get();
             app->pasteboard_ = std::move(*opened);
         } else {
             waylandProblem = opened.error();
+            std::fprintf(stderr, "harbex-clipboard: %s\n", describe(opened.error()).c_str());
+            return std::unexpected(
+                std::string("Harbex Clipboard couldn’t open the Wayland "
+                            "clipboard."));
         }
     }
-    auto connection = X11Connection::open();
-    if (connection) {
-        app->connection_ = std::move(*connection);
-    } else if (!app->wayland_) {
-        if (waylandProblem)
-            std::fprintf(stderr, "harbex-clipboard: %s\n", describe(*waylandProblem).c_str());
-        return std::unexpected(connection.error() == X11Error::missingXFixes
-                                   ? "Harbex Clipboard needs an X server with the XFixes "
-                                     "extension to see copies."
-                                   : "Harbex Clipboard couldn’t open the X display.");
-    }
-    app->session_ = sessionInfo(app->wayland_, waylandProblem, app->connection_ != nullptr);
-    if (app->wayland_) {
-        std::fprintf(stderr, "harbex-clipboard: %s (%s)\n", app->session_.clipboard.c_str(),
-                     std::string(app->wayland_->protocol()).c_str());
-    } else if (waylandProblem) {
-        std::fprintf(stderr, "harbex-clipboard: %s (%s)\n", app->session_.clipboard.c_str(),
-                     describe(*waylandProblem).c_str());
-    } else {
-        std::fprintf(stderr, "harbex-clipboard: %s\n", app->session_.clipboard.c_str());
-    }
+    app->platform_ = platform;
+    app->session_ =
+        ClipSessionInfo{platform.summary(), sessionNote(platform, waylandProblem, facts.wayland)};
+    std::fprintf(stderr, "harbex-clipboard: %s\n", app->session_.platform.c_str());
     app->defaults_ = std::make_unique<FileDefaults>(places.defaultsFile);
     app->codec_ =
         std::make_unique<QtImageCodec>(ClipSettingsStore::load(*app->defaults_).window.keepsImages);
@@ -90,19 +103,35 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
     // the one that hands the front over), and the paster with its delay.
     X11Connection* x11 = app->connection_.get();
     if (!app->pasteboard_) app->pasteboard_ = std::make_unique<X11Pasteboard>(*x11);
-    if (x11) {
-        app->typer_ = std::make_unique<XTestPasteTyper>(*x11);
-        app->activator_ = std::make_unique<X11Activator>(*x11);
-        app->frontmost_ = std::make_unique<X11Frontmost>(*x11);
-    } else {
-        app->typer_ = std::make_unique<AbsentPasteTyper>();
-        app->activator_ = std::make_unique<AbsentActivator>();
-        app->frontmost_ = std::make_unique<AbsentFrontmost>();
+    switch (platform.front) {
+        case ClipPlatform::Front::x11:
+            app->activator_ = std::make_unique<X11Activator>(*x11);
+            app->frontmost_ = std::make_unique<X11Frontmost>(*x11);
+            break;
+        case ClipPlatform::Front::foreignToplevel:
+            app->activator_ = std::make_unique<WaylandActivator>(*app->desktop_);
+            app->frontmost_ = std::make_unique<WaylandFrontmost>(*app->desktop_, kAppIdentifier);
+            break;
+        case ClipPlatform::Front::none:
+            app->activator_ = std::make_unique<AbsentActivator>();
+            app->frontmost_ = std::make_unique<AbsentFrontmost>();
+            break;
+    }
+    switch (platform.paste) {
+        case ClipPlatform::Paste::xtest:
+            app->typer_ = std::make_unique<XTestPasteTyper>(*x11);
+            break;
+        case ClipPlatform::Paste::virtualKeyboard:
+            app->typer_ = std::make_unique<VirtualKeyboardPasteTyper>(*app->desktop_);
+            break;
+        case ClipPlatform::Paste::none: app->typer_ = std::make_unique<AbsentPasteTyper>(); break;
     }
     const ScheduleFunction schedule = scheduleFunction(*app->scheduler_);
     app->focus_ = std::make_unique<ClipPanelFocus>(*app->frontmost_, *app->activator_,
                                                    kPanelFocusSettle, schedule);
-    const bool trusted = x11 && x11->hasXTest();
+    // Without a keystroke or a window to type into, the paster copies and says so.
+    const bool trusted =
+        platform.paste != ClipPlatform::Paste::none && platform.front != ClipPlatform::Front::none;
     app->paster_ = std::make_unique<ClipPaster>(
         *app->pasteboard_, *app->typer_, *app->focus_, [trusted] { return trusted; }, kPasteDelay,
         schedule, kAppIdentifier);
@@ -151,12 +180,22 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
     app->sound_ = std::make_unique<CanberraSoundPlayer>();
     app->copySound_ = std::make_unique<CopySound>(*app->engine_, *app->sound_);
 
-    // Global shortcuts: grabs on the root window and the modifier watch for the double tap.
-    if (x11) {
-        app->registrar_ = std::make_unique<X11HotKeyRegistrar>(*x11);
+    // Global shortcuts: grabs on the root window and the modifier watch for the double tap on
+    // X11; the desktop portal's shortcuts on Wayland, where it offers them.
+    switch (platform.shortcuts) {
+        case ClipPlatform::Shortcuts::x11:
+            app->registrar_ = std::make_unique<X11HotKeyRegistrar>(*x11);
+            break;
+        case ClipPlatform::Shortcuts::portal:
+            app->registrar_ = std::make_unique<PortalHotKeyRegistrar>();
+            break;
+        case ClipPlatform::Shortcuts::none:
+            app->registrar_ = std::make_unique<AbsentHotKeyRegistrar>();
+            break;
+    }
+    if (platform.doubleTap) {
         app->monitor_ = std::make_unique<X11ModifierMonitor>(*x11);
     } else {
-        app->registrar_ = std::make_unique<AbsentHotKeyRegistrar>();
         app->monitor_ = std::make_unique<AbsentModifierMonitor>();
     }
     ClipApp* self = app.get();

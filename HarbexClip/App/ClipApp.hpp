@@ -8,8 +8,10 @@
 #include <string>
 
 #include "HarbexClip/App/CanberraSoundPlayer.hpp"
+#include "HarbexClip/App/ClipPlatform.hpp"
 #include "HarbexClip/App/CopySound.hpp"
 #include "HarbexClip/App/DBusDocumentNotifier.hpp"
+#include "HarbexClip/App/PortalHotKeyRegistrar.hpp"
 #include "HarbexClip/App/QtImageCodec.hpp"
 #include "HarbexClip/App/QtScheduler.hpp"
 #include "HarbexClip/Linux/DesktopEntries.hpp"
@@ -21,6 +23,10 @@
 #include "HarbexClip/Linux/X11ModifierMonitor.hpp"
 #include "HarbexClip/Linux/X11Pasteboard.hpp"
 #include "HarbexClip/Linux/XTestPasteTyper.hpp"
+#include "HarbexClip/Wayland/VirtualKeyboardPasteTyper.hpp"
+#include "HarbexClip/Wayland/WaylandActivator.hpp"
+#include "HarbexClip/Wayland/WaylandDesktop.hpp"
+#include "HarbexClip/Wayland/WaylandFrontmost.hpp"
 #include "HarbexClip/Wayland/WaylandPasteboard.hpp"
 #include "HarbexClipCore/Engine/ClipEngine.hpp"
 #include "HarbexClipCore/Panel/ClipHotKeys.hpp"
@@ -45,21 +51,19 @@ struct ClipAppPlaces {
     static ClipAppPlaces standard();
 };
 
-// Which clipboard the session got, chosen once at start, and what the user should know about
-// it (shown on the settings' About page).
+// What the session got, chosen once at start, and what the user should know about it (shown on
+// the settings' About page).
 struct ClipSessionInfo {
-    std::string clipboard;  // "Clipboard: Wayland data-control" or "Clipboard: X11"
-    std::string note;       // what works in this session when it is not everything; else empty
+    std::string platform;  // ClipPlatform::summary(): "Clipboard: X11; Shortcuts: X11; …"
+    std::string note;      // what does not work in this session; else empty
 };
 
 // The assembled system: every long-lived service, built once in dependency order and torn down
 // in reverse. Main thread. The shell owns one for the life of the process.
 class ClipApp {
 public:
-    // Chooses the clipboard (a Wayland session whose compositor offers data-control gets the
-    // Wayland pasteboard, anything else the X11 one), opens the X display when there is one and
-    // builds everything; without an X display the front app, paste keystroke and global
-    // shortcuts are absent. The hot keys are created but not started, the
+    // Gathers what the session offers, chooses the implementation of each platform job
+    // (ClipPlatform::choose) and builds everything. The hot keys are created but not started, the
     // history is not opened and nothing samples yet: the shell does those in its own order.
     static std::expected<std::unique_ptr<ClipApp>, std::string> assemble(
         QObject* loopContext, ClipAppPlaces places = ClipAppPlaces::standard());
@@ -70,6 +74,16 @@ public:
     // The Wayland pasteboard when the session uses it; nothing otherwise.
     WaylandPasteboard* waylandPasteboard() { return wayland_; }
     const ClipSessionInfo& session() const { return session_; }
+    const ClipPlatform& platform() const { return platform_; }
+    // Our Wayland connection for the window list and the virtual keyboard; nothing outside a
+    // Wayland session.
+    WaylandDesktop* waylandDesktop() { return desktop_.get(); }
+    // The portal's shortcuts when the session uses them; nothing otherwise.
+    PortalHotKeyRegistrar* portalShortcuts() {
+        return platform_.shortcuts == ClipPlatform::Shortcuts::portal
+                   ? static_cast<PortalHotKeyRegistrar*>(registrar_.get())
+                   : nullptr;
+    }
     ClipEngine& engine() { return *engine_; }
     ClipHotKeys& hotKeys() { return *hotKeys_; }
     ClipPanelFocus& focus() { return *focus_; }
@@ -90,12 +104,14 @@ private:
     std::unique_ptr<QtScheduler> scheduler_;
     std::unique_ptr<SystemClock> clock_;
     std::unique_ptr<X11Connection> connection_;
+    std::unique_ptr<WaylandDesktop> desktop_;
     std::unique_ptr<FileDefaults> defaults_;
     std::unique_ptr<QtImageCodec> codec_;
     DesktopEntries desktopEntries_;
     std::unique_ptr<ClipPasteboard> pasteboard_;
     WaylandPasteboard* wayland_ = nullptr;  // pasteboard_, when it is the Wayland one
     ClipSessionInfo session_;
+    ClipPlatform platform_;
     std::unique_ptr<PasteTyper> typer_;
     std::unique_ptr<AppActivator> activator_;
     std::unique_ptr<ClipFrontmost> frontmost_;

@@ -13,6 +13,7 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include "HarbexClip/App/ClipPlatform.hpp"
 #include "HarbexClip/Views/ShortcutRecorder.hpp"
 #include "HarbexClipCore/Settings/ClipSettingsStore.hpp"
 #include "HarbexClipCore/Store/ClipStorageUsage.hpp"
@@ -276,7 +277,16 @@ QWidget* SettingsWindow::panelPage() {
     auto* page = new QWidget;
     auto* layout = form(page);
     auto changer = [this](const std::function<void(ClipSettings&)>& c) { change(c); };
-    layout->addRow(tr("Open with:"), HARBEX_ENUM(ClipPanelTrigger, panel.trigger, triggerLabel));
+    if (services_.session.doubleTap) {
+        layout->addRow(tr("Open with:"),
+                       HARBEX_ENUM(ClipPanelTrigger, panel.trigger, triggerLabel));
+    } else {
+        auto* tap =
+            note(tr("A double tap of a modifier key opens the panel only in X11 sessions: "
+                    "Wayland desktops do not tell applications about it."));
+        tap->setObjectName("doubleTapNote");
+        layout->addRow(tr("Open with:"), tap);
+    }
     layout->addRow(tr("Size:"), HARBEX_ENUM(ClipPanelSize, panel.size, [](ClipPanelSize size) {
                        return QString::fromUtf8(label(size).data()) + " — " +
                               QString::fromUtf8(detail(size).data());
@@ -530,6 +540,10 @@ QWidget* SettingsWindow::pinboardsPage() {
     return page;
 }
 
+void SettingsWindow::refreshShortcutStatus() {
+    for (const auto& refresher : statusRefreshers_) refresher();
+}
+
 QWidget* SettingsWindow::shortcutsPage() {
     auto* page = new QWidget;
     auto* layout = form(page);
@@ -566,6 +580,31 @@ QWidget* SettingsWindow::shortcutsPage() {
             recorder->setShortcut(field(copy));
         });
         layout->addRow(slot.title, recorder);
+        if (services_.session.shortcutStatus) {
+            auto* status = note(QString());
+            status->setObjectName(QString("shortcutStatus-") + enumName(slot.slot).data());
+            auto update = [this, status, which = slot.slot] {
+                const auto text = services_.session.shortcutStatus(which);
+                status->setText(QString::fromStdString(text.value_or(std::string())));
+                status->setVisible(text.has_value());
+            };
+            update();
+            statusRefreshers_.push_back(update);
+            layout->addRow(QString(), status);
+        }
+    }
+    if (services_.session.compositorBindings) {
+        layout->addRow(QString(), note(tr("This desktop binds no keys for other applications. "
+                                          "On sway, add this line to its configuration:")));
+        auto* line = new QLabel(page);
+        line->setObjectName("compositorBinding");
+        line->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        refreshers_.push_back([line](const ClipSettings& s) {
+            const auto binding = swayPanelBinding(s.panel.fallback);
+            line->setText(QString::fromStdString(
+                binding.value_or("bindsym Ctrl+Mod4+v exec harbex-clipboard --panel")));
+        });
+        layout->addRow(QString(), line);
     }
     layout->addRow(QString(), note(tr("Desktops that keep global shortcuts to themselves can run "
                                       "“harbex-clipboard --panel”, “--library” or “--pause” "
@@ -594,9 +633,11 @@ QWidget* SettingsWindow::aboutPage() {
                 "pastes it back. Nothing leaves this computer."));
     text->setAlignment(Qt::AlignHCenter);
     layout->addWidget(text);
-    if (!services_.session.clipboard.empty()) {
-        auto* clipboard = new QLabel(QString::fromStdString(services_.session.clipboard), page);
-        clipboard->setObjectName("aboutClipboard");
+    if (!services_.session.platform.empty()) {
+        auto* clipboard = new QLabel(QString::fromStdString(services_.session.platform), page);
+        clipboard->setObjectName("aboutPlatform");
+        clipboard->setWordWrap(true);
+        clipboard->setAlignment(Qt::AlignHCenter);
         layout->addWidget(clipboard, 0, Qt::AlignHCenter);
     }
     if (!services_.session.note.empty()) {

@@ -31,10 +31,20 @@ struct SettingsWindowServices {
     // Applications to choose from for the excluded list: (id, name), running ones first.
     std::function<std::vector<std::pair<std::string, std::string>>()> applications;
     std::string historyFolder;
-    // Which clipboard the session uses ("Clipboard: X11") and what works there; on About.
+    // What does each platform job in this session ("Clipboard: X11; Shortcuts: X11; …") and
+    // what does not work there; on About.
     struct Session {
-        std::string clipboard;
+        std::string platform;
         std::string note;
+        // The modifier watch for the double tap exists (X11 only); without it the panel page
+        // says so instead of offering the choice.
+        bool doubleTap = true;
+        // No service binds global keys (a Wayland compositor without the portal): the shortcuts
+        // page gives the line to add to the compositor's own configuration.
+        bool compositorBindings = false;
+        // What the desktop made of a slot's shortcut (the portal's answer); nothing when the
+        // session grabs keys itself.
+        std::function<std::optional<std::string>(ClipShortcutSlot)> shortcutStatus;
     } session{};
 };
 
@@ -49,6 +59,8 @@ public:
     explicit SettingsWindow(SettingsWindowServices services, QWidget* parent = nullptr);
 
     void showPage(ClipSettingsPage page);
+    // Shows the desktop's latest answers for the shortcuts.
+    void refreshShortcutStatus();
     ClipSettingsPage currentPage() const;
 
 private:
@@ -71,6 +83,7 @@ private:
     std::vector<std::function<void(const ClipSettings&)>> refreshers_;
     std::vector<std::function<void()>> pinboardRefreshers_;
     std::function<void()> storageRefresher_;
+    std::vector<std::function<void()>> statusRefreshers_;
     bool refreshing_ = false;
     Subscription settingsWatch_;
     Subscription pinboardsWatch_;
