@@ -102,5 +102,102 @@ TEST(ClipAppWaylandEndToEndTests, StartsWithoutAnXDisplayAndKeepsAWlCopySealed) 
     fs::remove_all(root);
 }
 
+// The focused window's app_id, from sway's own tree.
+std::string swayFocus(const SwayServer& sway) {
+    auto result = testing_x11::run(
+        {"sh", "-c",
+         "swaymsg -s \"$(ls \"$XDG_RUNTIME_DIR\"/sway-ipc.*.sock | head -n1)\" -t get_tree"},
+        sway.environment());
+    const auto focused = result.output.find("\"focused\": true");
+    if (focused == std::string::npos) return {};
+    const auto appID = result.output.find("\"app_id\": \"", focused);
+    if (appID == std::string::npos) return {};
+    const auto start = appID + 11;
+    return result.output.substr(start, result.output.find('"', start) - start);
+}
+
+std::string readText(const fs::path& file) {
+    auto bytes = readFile(file);
+    return bytes ? stringOf(*bytes) : std::string();
+}
+
+// The way back under sway: the desktop's key binding runs `harbex-clipboard --panel` over the
+// receiver; typing filters; Return hands the keyboard back to the receiver and types Ctrl+V
+// there, which pastes the chosen copy; Escape on a second opening gives the keyboard back.
+TEST(ClipAppWaylandEndToEndTests, ThePanelPastesIntoTheWindowThatWasInFront) {
+    SwayServer sway;
+    ASSERT_TRUE(sway.ready()) << "headless sway did not start";
+    testing::PrivateKeyring keyring;
+    ASSERT_EQ(keyring.start(), "") << "the keyring did not start";
+    const fs::path root =
+        fs::temp_directory_path() / ("harbex-wayland-panel-" + std::to_string(::getpid()));
+    fs::remove_all(root);
+    for (const char* folder : {"data", "config", "runtime"}) fs::create_directories(root / folder);
+    fs::permissions(root / "runtime", fs::perms::owner_all, fs::perm_options::replace);
+    ChildEnvironment environment{{"WAYLAND_DISPLAY", sway.display()},
+                                 {"XDG_RUNTIME_DIR", (root / "runtime").string()},
+                                 {"DISPLAY", std::nullopt},
+                                 {"QT_QPA_PLATFORM", "wayland"},
+                                 {"XDG_DATA_HOME", (root / "data").string()},
+                                 {"XDG_CONFIG_HOME", (root / "config").string()},
+                                 {"HARBEX_TRACE_TIMINGS", "1"}};
+    int errors[2];
+    ASSERT_EQ(::pipe2(errors, O_CLOEXEC), 0);
+    Process app({HARBEX_APP_PROGRAM, "--autostart"}, environment, -1, -1, errors[1]);
+    ::close(errors[1]);
+    ErrorLines lines(errors[0]);
+    ASSERT_TRUE(lines.waitFor("harbex-timing ready", 30000ms)) << lines.seen();
+    EXPECT_NE(lines.seen().find("Clipboard: Wayland data-control; Shortcuts: desktop key "
+                                "bindings; Paste: virtual keyboard; Front app: foreign-toplevel"),
+              std::string::npos)
+        << lines.seen();
+
+    for (const char* text : {"beta two", "alpha one"}) {
+        Process copy({"wl-copy", "--foreground", text}, sway.environment());
+        std::this_thread::sleep_for(1200ms);  // the app sees the change and reads it
+    }
+    const fs::path received = root / "received.txt";
+    auto windowEnvironment = sway.environment();
+    windowEnvironment.emplace_back("QT_QPA_PLATFORM", "wayland");
+    Process receiver({HARBEX_PASTE_RECEIVER, received.string()}, windowEnvironment);
+    ASSERT_TRUE(eventually([&] { return swayFocus(sway) == "PasteReceiver"; }, 10000ms));
+    std::this_thread::sleep_for(300ms);  // the receiver reads keys a moment after it is active
+
+    auto openPanel = [&] {
+        Process request({HARBEX_APP_PROGRAM, "--panel"}, environment);
+        EXPECT_EQ(request.wait(10000ms), 0);
+        return eventually([&] { return swayFocus(sway) == "app.harbexapps.clip"; }, 10000ms);
+    };
+    ASSERT_TRUE(openPanel()) << lines.seen();
+    ASSERT_TRUE(lines.waitFor("harbex-timing panel-shown", 5000ms)) << lines.seen();
+    std::this_thread::sleep_for(300ms);
+    testing_x11::run({"wtype", "beta"}, sway.environment());
+    std::this_thread::sleep_for(300ms);
+    if (const char* shots = std::getenv("HARBEX_SCREENSHOTS")) {
+        testing_x11::run({"grim", (fs::path(shots) / "wayland-panel.png").string()},
+                         sway.environment());
+    }
+    const auto returned = std::chrono::steady_clock::now();
+    testing_x11::run({"wtype", "-k", "Return"}, sway.environment());
+    EXPECT_TRUE(eventually([&] { return readText(received) == "beta two"; }, 5000ms))
+        << "received: " << readText(received) << "\n"
+        << lines.seen();
+    const auto pasted =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - returned);
+    std::printf("harbex-measure return-to-received %.1f ms\n", pasted.count());
+    EXPECT_EQ(swayFocus(sway), "PasteReceiver");
+
+    ASSERT_TRUE(openPanel()) << lines.seen();
+    std::this_thread::sleep_for(300ms);
+    testing_x11::run({"wtype", "-k", "Escape"}, sway.environment());
+    EXPECT_TRUE(eventually([&] { return swayFocus(sway) == "PasteReceiver"; }, 5000ms));
+    EXPECT_EQ(readText(received), "beta two");
+
+    ::kill(app.pid(), SIGTERM);
+    EXPECT_EQ(app.wait(20000ms), 0) << lines.seen();
+    keyring.stop();
+    fs::remove_all(root);
+}
+
 }  // namespace
 }  // namespace harbex

@@ -8,3 +8,7 @@ file(WRITE "${labels_file}"
   "if(${test_target}_TESTS)\n"
   "  set_tests_properties(\${${test_target}_TESTS} PROPERTIES LABELS \"app;wayland\")\n"
   "endif()\n")
+# The window pasted into is the end-to-end tests' Qt receiver, on the Wayland platform.
+add_dependencies(${test_target} PasteReceiver)
+target_compile_definitions(${test_target} PRIVATE
+  HARBEX_PASTE_RECEIVER="$<TARGET_FILE:PasteReceiver>")
