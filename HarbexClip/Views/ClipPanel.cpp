@@ -269,7 +269,13 @@ void ClipPanel::present() {
     const ClipPanelFrame frame = ClipPanelPlacement::place(
         current.panel.position, ClipPanelPlacement::size(current.panel.size),
         {pointer.x(), pointer.y()}, screens, lastOrigin_);
-    setGeometry(frame.x, frame.y, frame.width, frame.height);
+    if (QGuiApplication::platformName() == "wayland") {
+        // A Wayland window cannot place itself; a fixed size is what tiling compositors (sway,
+        // Hyprland) take as a dialog to float over the windows rather than tile among them.
+        setFixedSize(frame.width, frame.height);
+    } else {
+        setGeometry(frame.x, frame.y, frame.width, frame.height);
+    }
     quickLookOpen_ = false;
     model_.open(focus_.open());
     search_->setText(QString::fromStdString(model_.query()));

@@ -102,18 +102,27 @@ TEST(ClipAppWaylandEndToEndTests, StartsWithoutAnXDisplayAndKeepsAWlCopySealed) 
     fs::remove_all(root);
 }
 
-// The focused window's app_id, from sway's own tree.
-std::string swayFocus(const SwayServer& sway) {
-    auto result = testing_x11::run(
-        {"sh", "-c",
-         "swaymsg -s \"$(ls \"$XDG_RUNTIME_DIR\"/sway-ipc.*.sock | head -n1)\" -t get_tree"},
-        sway.environment());
-    const auto focused = result.output.find("\"focused\": true");
-    if (focused == std::string::npos) return {};
-    const auto appID = result.output.find("\"app_id\": \"", focused);
+std::string swayTree(const SwayServer& sway) {
+    return testing_x11::run(
+               {"sh", "-c",
+                "swaymsg -s \"$(ls \"$XDG_RUNTIME_DIR\"/sway-ipc.*.sock | head -n1)\" -t get_tree"},
+               sway.environment())
+        .output;
+}
+
+// The app_id of the first window after `marker` in sway's tree.
+std::string appIDAfter(const std::string& tree, const std::string& marker) {
+    const auto at = tree.find(marker);
+    if (at == std::string::npos) return {};
+    const auto appID = tree.find("\"app_id\": \"", at);
     if (appID == std::string::npos) return {};
     const auto start = appID + 11;
-    return result.output.substr(start, result.output.find('"', start) - start);
+    return tree.substr(start, tree.find('"', start) - start);
+}
+
+// The focused window's app_id, from sway's own tree.
+std::string swayFocus(const SwayServer& sway) {
+    return appIDAfter(swayTree(sway), "\"focused\": true");
 }
 
 std::string readText(const fs::path& file) {
@@ -170,6 +179,8 @@ TEST(ClipAppWaylandEndToEndTests, ThePanelPastesIntoTheWindowThatWasInFront) {
     };
     ASSERT_TRUE(openPanel()) << lines.seen();
     ASSERT_TRUE(lines.waitFor("harbex-timing panel-shown", 5000ms)) << lines.seen();
+    EXPECT_EQ(appIDAfter(swayTree(sway), "\"type\": \"floating_con\""), "app.harbexapps.clip")
+        << "the panel is tiled";
     std::this_thread::sleep_for(300ms);
     testing_x11::run({"wtype", "beta"}, sway.environment());
     std::this_thread::sleep_for(300ms);
