@@ -108,7 +108,7 @@ void VirtualKeyboardPasteTyper::key(std::uint32_t key, bool pressed) {
 
 void VirtualKeyboardPasteTyper::typePaste() {
     const auto active = desktop_.activeToplevel();
-    if (!ready()) return;
+    if (desktop_.lost() || !ready()) return;
     const bool terminal = active && isTerminal(active->appID);
     const std::uint32_t mods = kControlMask | (terminal ? kShiftMask : 0);
     key(kLeftCtrl, true);

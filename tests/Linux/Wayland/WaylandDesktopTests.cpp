@@ -173,6 +173,29 @@ TEST_F(WaylandDesktopTests, VirtualKeyboardTypesThePasteKeystrokeTheWindowExpect
     }
 }
 
+// A compositor that goes away leaves no front app, nothing to activate and a keystroke that does
+// nothing; nothing blocks or spins.
+TEST(WaylandDesktopLossTests, ALostCompositorLeavesNoFrontAppAndATyperThatDoesNothing) {
+    SwayServer sway;
+    ASSERT_TRUE(sway.ready());
+    auto desktop = WaylandDesktop::open(sway.display().c_str());
+    ASSERT_TRUE(desktop.has_value());
+    WaylandFrontmost frontmost(**desktop, kOwnAppID);
+    VirtualKeyboardPasteTyper typer(**desktop);
+    Process window({"foot", "--app-id=foot", "sleep", "600"}, sway.environment());
+    ASSERT_TRUE(eventually([&] { return frontmost.frontApp().has_value(); }, 10000ms));
+    const auto target = *frontmost.frontApp();
+
+    sway.stop();
+    EXPECT_TRUE(eventually([&] { return !(*desktop)->dispatch(); }, 5000ms));
+    EXPECT_TRUE((*desktop)->lost());
+    EXPECT_EQ(frontmost.frontApp(), std::nullopt);
+    EXPECT_FALSE(frontmost.isRunning(target));
+    EXPECT_FALSE(WaylandActivator(**desktop).activate(target));
+    typer.typePaste();
+    EXPECT_EQ((*desktop)->fd(), -1);
+}
+
 TEST(VirtualKeyboardPasteTyperTests, KnowsTerminalsByAppID) {
     const std::vector<std::pair<std::string, bool>> cases{
         {"foot", true},      {"org.kde.konsole", true},
