@@ -14,10 +14,10 @@
 
 namespace harbex {
 
-// Stand-ins for the desktop services of a session without an X display (a Wayland session
-// without XWayland), until their Wayland versions exist: no front application, no activation, no
-// paste keystroke (so the paster copies and says so), no global shortcuts, no double tap. They
-// share a header because they only ever travel together. Main thread.
+// The desktop services a session does not offer (ClipPlatform::choose decides which): no front
+// application, no activation, no paste keystroke (so the paster copies and says so), no global
+// shortcuts (the compositor's own key bindings call --panel), no double tap. They share a header
+// because they are all the same kind of honest absence. Main thread.
 
 class AbsentFrontmost final : public ClipFrontmost {
 public:

@@ -84,11 +84,9 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
             app->wayland_ = opened->get();
             app->pasteboard_ = std::move(*opened);
         } else {
-            waylandProblem = opened.error();
             std::fprintf(stderr, "harbex-clipboard: %s\n", describe(opened.error()).c_str());
             return std::unexpected(
-                std::string("Harbex Clipboard couldn’t open the Wayland "
-                            "clipboard."));
+                std::string("Harbex Clipboard couldn’t open the Wayland clipboard."));
         }
     }
     app->platform_ = platform;
