@@ -70,10 +70,14 @@ VirtualKeyboardPasteTyper::VirtualKeyboardPasteTyper(WaylandDesktop& desktop) : 
 }
 
 VirtualKeyboardPasteTyper::~VirtualKeyboardPasteTyper() {
-    if (keyboard_ && !desktop_.lost()) {
-        zwp_virtual_keyboard_v1_destroy(keyboard_);
-        wl_display_flush(desktop_.display());
+    if (!keyboard_) return;
+    if (desktop_.lost()) {
+        // The compositor is gone: free our side only.
+        wl_proxy_destroy(reinterpret_cast<wl_proxy*>(keyboard_));
+        return;
     }
+    zwp_virtual_keyboard_v1_destroy(keyboard_);
+    wl_display_flush(desktop_.display());
 }
 
 bool VirtualKeyboardPasteTyper::isTerminal(std::string_view appID) {

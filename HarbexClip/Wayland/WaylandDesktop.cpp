@@ -111,7 +111,11 @@ WaylandDesktop::~WaylandDesktop() {
     for (auto& handle : handles_) {
         if (handle->proxy) zwlr_foreign_toplevel_handle_v1_destroy(handle->proxy);
     }
-    if (toplevelManager_) zwlr_foreign_toplevel_manager_v1_stop(toplevelManager_);
+    if (toplevelManager_) {
+        // `stop` asks for the list to end; the proxy itself is ours to free.
+        zwlr_foreign_toplevel_manager_v1_stop(toplevelManager_);
+        wl_proxy_destroy(reinterpret_cast<wl_proxy*>(toplevelManager_));
+    }
     if (keyboardManager_) wl_proxy_destroy(reinterpret_cast<wl_proxy*>(keyboardManager_));
     if (seat_) wl_seat_destroy(seat_);
     if (registry_) wl_registry_destroy(registry_);
@@ -125,7 +129,13 @@ void WaylandDesktop::readDisplay(bool readable) {
     if (lost_) return;
     auto lose = [this] {
         lost_ = true;
+        // Nothing more reaches the compositor: the proxies are only freed on our side.
+        for (auto& handle : handles_) {
+            if (handle->proxy) wl_proxy_destroy(reinterpret_cast<wl_proxy*>(handle->proxy));
+        }
         handles_.clear();
+        if (toplevelManager_) wl_proxy_destroy(reinterpret_cast<wl_proxy*>(toplevelManager_));
+        if (keyboardManager_) wl_proxy_destroy(reinterpret_cast<wl_proxy*>(keyboardManager_));
         toplevelManager_ = nullptr;
         keyboardManager_ = nullptr;
     };
