@@ -19,8 +19,12 @@ std::string unreadableHistoryProblemMessage(ClipKeyVocabulary vocabulary) {
            "’s key, so Harbex Clipboard started a new one. The old file was kept.";
 }
 
+namespace {
+constexpr std::string_view kSaveProblemLead = "Harbex Clipboard couldn’t save its history: ";
+}  // namespace
+
 std::string saveProblemMessage(const ClipStoreError& error) {
-    return "Harbex Clipboard couldn’t save its history: " + error.description();
+    return std::string(kSaveProblemLead) + error.description();
 }
 
 namespace {
@@ -52,21 +56,21 @@ ClipEngine::ClipEngine(ClipEngineEnvironment environment, ClipEngineOptions opti
     rules_ = CaptureRuleSettings::from(loaded);
     settings_.set(std::move(loaded));
     if (store_) {
-        // Called on the store's thread: the error waits in the shared slot for the main thread.
+        // Called on the store's thread: the outcome waits in the shared slot for the main thread.
         std::weak_ptr<bool> alive = alive_;
-        store_->setSaveFailureHandler(
-            [failures = saveFailures_, post = postToMain_, alive, this](const ClipStoreError& e) {
-                {
-                    std::lock_guard guard(failures->lock);
-                    failures->errors.push_back(e);
-                    failures->waiting.store(true, std::memory_order_release);
-                }
-                if (post) {
-                    post([alive, this] {
-                        if (alive.lock()) takeSaveFailures();
-                    });
-                }
-            });
+        store_->setSaveHandler([outcomes = saveOutcomes_, post = postToMain_, alive,
+                                this](const ClipStoreResult<void>& outcome) {
+            {
+                std::lock_guard guard(outcomes->lock);
+                outcomes->newest = outcome;
+                outcomes->waiting.store(true, std::memory_order_release);
+            }
+            if (post) {
+                post([alive, this] {
+                    if (alive.lock()) takeSaveOutcomes();
+                });
+            }
+        });
     }
     if (pinsBridge_) pinsBridge_->setOnChange([this] { publishPins(); });
     publishPins();
@@ -75,7 +79,7 @@ ClipEngine::ClipEngine(ClipEngineEnvironment environment, ClipEngineOptions opti
 ClipEngine::~ClipEngine() {
     shutdown();
     if (pinsBridge_) pinsBridge_->setOnChange({});
-    if (store_) store_->setSaveFailureHandler({});
+    if (store_) store_->setSaveHandler({});
 }
 
 // MARK: Capture
@@ -87,7 +91,7 @@ void ClipEngine::sample() {
         capture_.consumeCurrentChange();
         return;
     }
-    if (saveFailures_->waiting.load(std::memory_order_acquire)) takeSaveFailures();
+    if (saveOutcomes_->waiting.load(std::memory_order_acquire)) takeSaveOutcomes();
     if (nextExpiry_ && now_() >= *nextExpiry_) sweepExpired();
 
     if (capture_.lastCount() == pasteboard_.changeCount()) return;
@@ -430,34 +434,63 @@ void ClipEngine::sweepExpired() {
 // MARK: Saving
 
 void ClipEngine::scheduleSave() {
-    if (!store_ || !isHistoryOpen_.get() || saveScheduled_) return;
+    if (!store_ || !isHistoryOpen_.get()) return;
+    saveOwed_ = true;
+    // After a failure the change is tried at once: the reason may be gone (space freed), and
+    // waiting out the back-off would leave the copy unsaved for longer.
+    if (saveRetryDelay_) {
+        performSave();
+        return;
+    }
+    if (!saveScheduled_) scheduleSaveAfter(options_.saveDelay);
+}
+
+void ClipEngine::scheduleSaveAfter(double delay) {
     saveScheduled_ = true;
     std::weak_ptr<bool> alive = alive_;
-    schedule_(options_.saveDelay, [this, alive, generation = generation_] {
-        if (!alive.lock() || generation != generation_ || !saveScheduled_) return;
+    schedule_(delay, [this, alive, generation = generation_, ticket = ++saveTicket_] {
+        if (!alive.lock() || generation != generation_ || ticket != saveTicket_) return;
         performSave();
     });
 }
 
 void ClipEngine::performSave() {
     saveScheduled_ = false;
+    ++saveTicket_;  // a save scheduled earlier is this one
     if (!store_ || !isHistoryOpen_.get()) return;
+    saveOwed_ = false;
     if (options_.saving == ClipBackgroundWork::on) {
         store_->save(model_.library());
         return;
     }
-    if (auto saved = store_->saveNow(model_.library()); !saved)
-        setProblem(saveProblemMessage(saved.error()));
+    noteSaveOutcome(store_->saveNow(model_.library()));
 }
 
-void ClipEngine::takeSaveFailures() {
-    std::vector<ClipStoreError> errors;
-    {
-        std::lock_guard guard(saveFailures_->lock);
-        errors.swap(saveFailures_->errors);
-        saveFailures_->waiting.store(false, std::memory_order_release);
+void ClipEngine::noteSaveOutcome(const ClipStoreResult<void>& outcome) {
+    if (outcome) {
+        // The history is on disk again: a save problem shown earlier no longer holds.
+        if (problem_.get() && problem_.get()->starts_with(kSaveProblemLead))
+            setProblem(std::nullopt);
+        saveRetryDelay_.reset();
+        return;
     }
-    if (!errors.empty()) setProblem(saveProblemMessage(errors.back()));
+    setProblem(saveProblemMessage(outcome.error()));
+    // What failed is still to be written: retried later, at the next change, and at quit.
+    saveOwed_ = true;
+    saveRetryDelay_ =
+        std::min(kSaveRetryLimit,
+                 saveRetryDelay_ ? *saveRetryDelay_ * 2 : std::max(1.0, options_.saveDelay * 2));
+    if (schedule_ && !saveScheduled_) scheduleSaveAfter(*saveRetryDelay_);
+}
+
+void ClipEngine::takeSaveOutcomes() {
+    std::optional<ClipStoreResult<void>> newest;
+    {
+        std::lock_guard guard(saveOutcomes_->lock);
+        newest.swap(saveOutcomes_->newest);
+        saveOutcomes_->waiting.store(false, std::memory_order_release);
+    }
+    if (newest) noteSaveOutcome(*newest);
 }
 
 void ClipEngine::setProblem(std::optional<std::string> problem) {
@@ -467,12 +500,16 @@ void ClipEngine::setProblem(std::optional<std::string> problem) {
 void ClipEngine::shutdown() {
     for (auto& worker : workers_) worker.wait();
     workers_.clear();
-    if (saveScheduled_) {
-        ++generation_;  // the scheduled block does nothing now
-        performSave();
-    }
-    if (store_) store_->waitForSaves();
-    takeSaveFailures();
+    ++generation_;  // scheduled blocks do nothing now
+    saveScheduled_ = false;
+    if (!store_) return;
+    // A save under way may still fail; its outcome decides whether the last attempt is owed.
+    (void)store_->waitForSaves(kQuitSaveWait);
+    takeSaveOutcomes();
+    if (!saveOwed_) return;
+    performSave();
+    (void)store_->waitForSaves(kQuitSaveWait);
+    takeSaveOutcomes();
 }
 
 void ClipEngine::reapWorkers() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <future>
@@ -96,6 +97,11 @@ class ClipEngine final : public ClipLibraryEngine {
 public:
     // The number of seconds between two attempts to open a history that could not be opened.
     static constexpr double kOpenRetryInterval = 30.0;
+    // A failed save is tried again after twice the save delay, doubling up to this many seconds;
+    // a change meanwhile tries at once.
+    static constexpr double kSaveRetryLimit = 60.0;
+    // How long quitting waits for the last save.
+    static constexpr std::chrono::milliseconds kQuitSaveWait{5000};
 
     // Reads the settings from `environment.defaults`. Touches neither the pasteboard nor the
     // store: the history opens at the first `sample()` (or `ensureHistoryOpen`).
@@ -212,8 +218,9 @@ public:
     std::optional<std::int64_t> lastCount() const { return capture_.lastCount(); }
     bool isSaveScheduled() const { return saveScheduled_; }
 
-    // Writes a scheduled save at once and waits until the store has written everything;
-    // background image work is waited for. Call before the process ends.
+    // Makes a last attempt to write what is not yet saved (a scheduled save, or one that failed)
+    // and waits for it, at most kQuitSaveWait; background image work is waited for. Call before
+    // the process ends.
     void shutdown();
 
 private:
@@ -240,8 +247,10 @@ private:
     void publish();
     void publishPins();
     void scheduleSave();
+    void scheduleSaveAfter(double delay);
     void performSave();
-    void takeSaveFailures();
+    void noteSaveOutcome(const ClipStoreResult<void>& outcome);
+    void takeSaveOutcomes();
     void setProblem(std::optional<std::string> problem);
 
     void sweepExpired();
@@ -296,13 +305,21 @@ private:
     bool sweepScheduled_ = false;
     std::uint64_t generation_ = 0;  // scheduled blocks from before a shutdown do nothing
 
-    // Save failures arrive on the store's thread; they wait here for the main thread.
-    struct SaveFailures {
+    // Changes not yet known to be on disk: set by every change and by a failed save, cleared by
+    // a save that succeeded (or was handed to the store's thread).
+    bool saveOwed_ = false;
+    // After a failed save: the delay before the next attempt, doubled at each failure.
+    std::optional<double> saveRetryDelay_;
+    std::uint64_t saveTicket_ = 0;  // a scheduled save runs only while its ticket is current
+
+    // Outcomes of background saves arrive on the store's thread; the newest waits here for the
+    // main thread.
+    struct SaveOutcomes {
         std::mutex lock;
-        std::vector<ClipStoreError> errors;
+        std::optional<ClipStoreResult<void>> newest;
         std::atomic<bool> waiting = false;  // read at every sample without the lock
     };
-    std::shared_ptr<SaveFailures> saveFailures_ = std::make_shared<SaveFailures>();
+    std::shared_ptr<SaveOutcomes> saveOutcomes_ = std::make_shared<SaveOutcomes>();
     // Expires with the engine, so late blocks from other threads or the loop do nothing.
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
     std::vector<std::future<void>> workers_;

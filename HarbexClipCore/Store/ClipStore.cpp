@@ -214,10 +214,11 @@ void ClipStore::save(ClipLibrary library) {
             ClipLibrary snapshot = std::move(*pendingSave_);
             pendingSave_.reset();
             draining_ = false;
-            const auto handler = saveFailureHandler_;
+            const auto handler = saveHandler_;
             guard.unlock();
             drainFinished_.notify_all();
-            if (auto saved = saveNow(snapshot); !saved && handler) handler(saved.error());
+            const auto saved = saveNow(snapshot);
+            if (handler) handler(saved);
             return;
         }
     }
@@ -234,10 +235,10 @@ void ClipStore::runSaveThread() {
         while (pendingSave_) {
             ClipLibrary snapshot = std::move(*pendingSave_);
             pendingSave_.reset();
-            const auto handler = saveFailureHandler_;
+            const auto handler = saveHandler_;
             guard.unlock();
             const auto saved = saveNow(snapshot);
-            if (!saved && handler) handler(saved.error());
+            if (handler) handler(saved);
             guard.lock();
         }
         draining_ = false;
@@ -250,9 +251,14 @@ void ClipStore::waitForSaves() {
     drainFinished_.wait(guard, [this] { return !draining_; });
 }
 
-void ClipStore::setSaveFailureHandler(std::function<void(const ClipStoreError&)> handler) {
+bool ClipStore::waitForSaves(std::chrono::milliseconds limit) {
+    std::unique_lock guard(saveLock_);
+    return drainFinished_.wait_for(guard, limit, [this] { return !draining_; });
+}
+
+void ClipStore::setSaveHandler(std::function<void(const ClipStoreResult<void>&)> handler) {
     std::lock_guard guard(saveLock_);
-    saveFailureHandler_ = std::move(handler);
+    saveHandler_ = std::move(handler);
 }
 
 ClipStoreResult<fs::path> ClipStore::setAsideUnreadable() {

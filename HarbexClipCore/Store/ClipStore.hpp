@@ -8,10 +8,11 @@
 // the windows read thumbnails and images on worker threads and an export reads images on its
 // own. They share nothing but the key, taken under `lock`, and each writes through its own
 // temporary file; a read racing a removal of the same image gets a file error. save() only hands
-// a snapshot to the store's own serial save thread; the save-failure handler is called on that
+// a snapshot to the store's own serial save thread; the save handler is called on that
 // thread. `saveLock` guards the pending snapshot and is never held while encoding, sealing or
 // writing. The store must outlive every thread that calls it.
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <expected>
@@ -73,15 +74,17 @@ public:
 
     // Queues a write of `library` and returns at once. Snapshots that arrive while a write runs
     // replace each other, so at most one more write follows it, holding the newest. Failures go
-    // to the save-failure handler.
+    // to the save handler.
     void save(ClipLibrary library);
     // Encodes, seals and writes `library` on the caller's thread before returning.
     ClipStoreResult<void> saveNow(const ClipLibrary& library);
     // Blocks until every snapshot handed to save() has been written or has failed.
     void waitForSaves();
-    // Called on the save thread with the error of each failed background write. Set it before the
-    // first save(); the engine hands the error on to its own thread.
-    void setSaveFailureHandler(std::function<void(const ClipStoreError&)> handler);
+    // The same, for at most `limit`; returns whether the saves were done by then.
+    bool waitForSaves(std::chrono::milliseconds limit);
+    // Called on the save thread with the outcome of each background write, success or failure.
+    // Set it before the first save(); the engine hands the outcome on to its own thread.
+    void setSaveHandler(std::function<void(const ClipStoreResult<void>&)> handler);
 
     // Renames "History.sealed" to "History (unreadable <unix seconds>).sealed" (with " 2", " 3"
     // ... before ".sealed" should that name be taken) and returns the new path.
@@ -134,7 +137,7 @@ private:
     bool stopping_ = false;
     std::condition_variable drainQueued_;
     std::condition_variable drainFinished_;
-    std::function<void(const ClipStoreError&)> saveFailureHandler_;
+    std::function<void(const ClipStoreResult<void>&)> saveHandler_;
 
     // The buffer saves encode and seal in, kept between saves only while it is small. Its lock is
     // held while encoding, sealing and writing, which also keeps a saveNow() on the caller's thread

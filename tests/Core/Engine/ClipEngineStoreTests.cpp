@@ -168,14 +168,94 @@ TEST(ClipEngineStoreTests, AFailedSaveIsShownAndTheHistoryStaysInMemory) {
         EXPECT_NE(engine.problem().get()->find("No space left on device"), std::string::npos);
         EXPECT_EQ(rig.texts(), std::vector<std::string>{"precious"});
 
-        // The next change tries again; the message stays until something replaces it.
+        // The next change tries again; once the history is on disk the message goes.
         fail = false;
         rig.copyAndSample("more");
         rig.scheduler.advance(1.0);
         engine.shutdown();
         EXPECT_EQ(rig.libraryOnDisk().items.size(), 2u);
-        EXPECT_TRUE(engine.problem().get());
+        EXPECT_EQ(engine.problem().get(), std::nullopt);
     }
+}
+
+// A real failure of the file system, whoever runs the test: a folder standing where the history
+// file goes cannot be replaced by a rename. Removing it is the space coming back.
+class BlockedHistoryFile {
+public:
+    explicit BlockedHistoryFile(const std::filesystem::path& folder)
+        : path_(folder / ClipStore::kHistoryFileName) {
+        std::filesystem::create_directories(path_ / "blocker");
+    }
+    void unblock() { std::filesystem::remove_all(path_); }
+
+private:
+    std::filesystem::path path_;
+};
+
+enum class Recovery { quit, retryAfterBackOff, nextChange };
+
+TEST(ClipEngineStoreTests, AFailedSaveStaysOwedUntilWritten) {
+    struct Case {
+        const char* name;
+        ClipBackgroundWork saving;
+        Recovery recovery;
+    };
+    const Case cases[] = {
+        {"quit", ClipBackgroundWork::off, Recovery::quit},
+        {"quit, saving on the store's thread", ClipBackgroundWork::on, Recovery::quit},
+        {"back-off", ClipBackgroundWork::off, Recovery::retryAfterBackOff},
+        {"next change", ClipBackgroundWork::off, Recovery::nextChange},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        EngineRigOptions options;
+        options.engine.saving = test.saving;
+        EngineRig rig(options);
+        ClipEngine& engine = rig.start();
+        engine.sample();
+        BlockedHistoryFile blocked(rig.folder.path());
+        rig.copyAndSample("first");
+        rig.scheduler.advance(1.0);
+        rig.store->waitForSaves();
+        rig.mainQueue.drain();
+        ASSERT_TRUE(engine.problem().get());
+        blocked.unblock();
+
+        std::vector<std::string> expected{"first"};
+        switch (test.recovery) {
+            case Recovery::quit: engine.shutdown(); break;
+            case Recovery::retryAfterBackOff:
+                rig.scheduler.advance(ClipEngine::kSaveRetryLimit);
+                break;
+            case Recovery::nextChange:
+                rig.copyAndSample("second");  // no time passes: saved at once
+                expected.insert(expected.begin(), "second");
+                break;
+        }
+        std::vector<std::string> onDisk;
+        for (const ClipItem& item : rig.libraryOnDisk().items) onDisk.push_back(*item.text);
+        EXPECT_EQ(onDisk, expected);
+        EXPECT_EQ(engine.problem().get(), std::nullopt);
+    }
+}
+
+// A first start with the keyring locked: there is no file, so the history opens, and every save
+// fails on the key until the keyring answers; what was copied meanwhile is written at quit.
+TEST(ClipEngineStoreTests, CopiesMadeWhileTheKeyringIsLockedAreWrittenOnceItAnswers) {
+    EngineRig rig;
+    rig.makeStore();
+    rig.keys->readFailure = kKeychainInteractionNotAllowed;
+    ClipEngine& engine = rig.start();
+    engine.sample();
+    ASSERT_TRUE(engine.isHistoryOpen().get());
+    rig.copyAndSample("made while locked");
+    rig.scheduler.advance(1.0);
+    rig.scheduler.advance(ClipEngine::kSaveRetryLimit);
+    EXPECT_EQ(rig.keys->writes(), 0);  // no key is made while the keyring refuses
+    rig.keys->readFailure.reset();
+    engine.shutdown();
+    ASSERT_EQ(rig.libraryOnDisk().items.size(), 1u);
+    EXPECT_EQ(rig.libraryOnDisk().items[0].text, "made while locked");
 }
 
 TEST(ClipEngineStoreTests, ShutdownWritesAScheduledSaveAtOnce) {

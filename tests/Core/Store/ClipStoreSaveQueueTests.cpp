@@ -138,9 +138,9 @@ TEST(ClipStoreSaveQueueTests, AFailedWriteGoesToTheHandlerAndTheNextSnapshotIsSt
                         return ++calls == 1 ? failingWrite(path, bytes)
                                             : writeFileAtomically(path, bytes, 0600);
                     }});
-    store.setSaveFailureHandler([&](const ClipStoreError& error) {
+    store.setSaveHandler([&](const ClipStoreResult<void>& outcome) {
         std::lock_guard guard(mutex);
-        failures.push_back(error);
+        if (!outcome) failures.push_back(outcome.error());
     });
     store.save(textLibrary(1, "lost"));
     store.waitForSaves();
@@ -165,9 +165,9 @@ TEST(ClipStoreSaveQueueTests, KeyringFailuresOnTheSaveThreadAreReportedAndMakeNo
     keys->readFailure = kKeychainInteractionNotAllowed;
     std::mutex mutex;
     std::vector<ClipStoreError> failures;
-    store->setSaveFailureHandler([&](const ClipStoreError& error) {
+    store->setSaveHandler([&](const ClipStoreResult<void>& outcome) {
         std::lock_guard guard(mutex);
-        failures.push_back(error);
+        if (!outcome) failures.push_back(outcome.error());
     });
     store->save(textLibrary(1));
     store->waitForSaves();
