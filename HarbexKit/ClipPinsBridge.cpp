@@ -28,6 +28,8 @@ ClipPinsBridge::ClipPinsBridge(DocumentNotifier& notifier, std::filesystem::path
           notifier, std::move(folder), std::move(now)) {}
 
 ClipPinsStatus ClipPinsBridge::pin(const ClipItem& item) {
+    // The shared file is plain text that outlives the copy's lifetime.
+    if (item.isSensitive) return std::unexpected(ClipPinsError{ClipPinsError::Code::sensitive, {}});
     std::optional<PinRecord> record = pinRecord(item);
     if (!record) return std::unexpected(ClipPinsError{ClipPinsError::Code::notShareable, {}});
     return writeResult(document_.update([&](ClipboardPins& pins) {

@@ -192,12 +192,14 @@ bool ClipEngine::keep(DetectedClip detected) {
         ++merged.timesCopied;
         merged.appID = std::move(fresh.appID);
         merged.appName = std::move(fresh.appName);
+        const bool becameSensitive = fresh.isSensitive && !merged.isSensitive;
         if (fresh.isSensitive) {
             merged.isSensitive = true;
             merged.expiresAt = fresh.expiresAt;
         }
         noteExpiry(merged);
         modelMoveToFront(std::move(merged));
+        if (becameSensitive) unpinSensitive();
         changed();
         return true;
     }
@@ -282,6 +284,7 @@ bool ClipEngine::ensureHistoryOpen(OpenAttempt attempt) {
     if (startedAfresh) setProblem(unreadableHistoryProblemMessage(vocabulary_));
     const std::vector<ClipItem> removed = prune();
     removeImages(removed);
+    unpinSensitive();
     publish();
     if (!removed.empty() || startedAfresh) scheduleSave();
     scheduleExpirySweep();

@@ -260,6 +260,9 @@ private:
 
     void storeSettings(ClipSettings settings);
     ClipIDSet pinnedIDs() const;
+    // Removes from the shared pins every copy the history marks sensitive (pinned before it was
+    // marked, or by an older version).
+    void unpinSensitive();
     bool isPinned(const Uuid& id) const;
     PasteResult deliver(const Uuid& id, ClipPasteForm form,
                         const std::optional<ClipTargetApp>& target);

@@ -196,6 +196,9 @@ ClipPinsStatus ClipEngine::pin(const Uuid& id) {
     if (!found)
         return std::unexpected(
             ClipPinsError{ClipPinsError::Code::notShareable, "the copy is no longer kept"});
+    if (found->isSensitive)
+        return std::unexpected(
+            ClipPinsError{ClipPinsError::Code::sensitive, std::string(kUnmarkToPinNotice)});
     ClipPinsStatus status = pinsBridge_->pin(*found);
     publishPins();
     return status;
@@ -265,7 +268,7 @@ bool ClipEngine::setCustomTitle(const Uuid& id, std::optional<std::string> title
 bool ClipEngine::setSensitive(const Uuid& id, ClipSensitivity sensitivity) {
     const bool sensitive = sensitivity == ClipSensitivity::sensitive;
     const Date expiry = now_() + settings_->sensitiveLifetime;
-    return replaceItem(id, [&](ClipItem& item) {
+    const bool replaced = replaceItem(id, [&](ClipItem& item) {
         if (item.isSensitive == sensitive) return false;
         item.isSensitive = sensitive;
         if (sensitive) {
@@ -275,6 +278,19 @@ bool ClipEngine::setSensitive(const Uuid& id, ClipSensitivity sensitivity) {
         }
         return true;
     });
+    if (sensitive) unpinSensitive();
+    return replaced;
+}
+
+void ClipEngine::unpinSensitive() {
+    if (!pinsBridge_) return;
+    bool unpinned = false;
+    for (const Uuid& id : pinsBridge_->pinnedIDs()) {
+        const ClipItem* own = model_.item(id);
+        // A failed write leaves the pin for the next look; nothing else is lost.
+        if (own && own->isSensitive && pinsBridge_->unpin(id)) unpinned = true;
+    }
+    if (unpinned) publishPins();
 }
 
 std::size_t ClipEngine::clear(ClipHistory::ClearRange range) {
@@ -382,7 +398,8 @@ bool ClipEngine::adoptImport(ClipLibrary merged, const std::vector<Uuid>& pinIDs
     modelReset(std::move(merged));
     if (pinsBridge_) {
         for (const Uuid& id : pinIDs) {
-            if (const ClipItem* imported = model_.item(id)) (void)pinsBridge_->pin(*imported);
+            const ClipItem* imported = model_.item(id);
+            if (imported && !imported->isSensitive) (void)pinsBridge_->pin(*imported);
         }
     }
     recomputeNextExpiry();

@@ -324,7 +324,10 @@ void ClipLibraryViewModel::togglePin() {
         if (engine_.unpin(id)) return showNotice("Unpinned");
         return showNotice("That copy can’t be unpinned");
     }
-    if (engine_.pin(id)) return showNotice(std::string(kPinned));
+    const auto pinned = engine_.pin(id);
+    if (pinned) return showNotice(std::string(kPinned));
+    if (pinned.error().code == ClipPinsError::Code::sensitive)
+        return showNotice(std::string(kUnmarkToPinNotice));
     showNotice("That copy can’t be pinned");
 }
 

@@ -3,6 +3,7 @@
 #include <expected>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "HarbexClipCore/Model/ClipItem.hpp"
@@ -16,6 +17,7 @@ struct ClipPinsError {
         notShareable,  // the copy has nothing the shared pins can hold (a text too long, a link
                        // that is not an address, a file copy without paths, an image without size)
         writeFailed,   // the shared file could not be read or written; `detail` says why
+        sensitive,     // the copy is marked sensitive: the shared file would keep it in plain text
     };
     Code code = Code::writeFailed;
     std::string detail;
@@ -24,6 +26,10 @@ struct ClipPinsError {
 };
 
 using ClipPinsStatus = std::expected<void, ClipPinsError>;
+
+// The notice for a pin refused because the copy is marked sensitive.
+inline constexpr std::string_view kUnmarkToPinNotice =
+    "Unmark this copy as sensitive before pinning it";
 
 // The user's pins, which live outside the history (they are shared with the family's sibling
 // application), as the engine and the library see them. Pins are never removed by clearing or

@@ -412,8 +412,10 @@ ClipPanelModel::Effect ClipPanelModel::togglePin(const ClipItem& item) {
         }
         return Effect::none;
     }
-    if (engine_.pin(id)) {
+    if (const auto pinned = engine_.pin(id); pinned) {
         showNotice(std::string(kPinned), true);
+    } else if (pinned.error().code == ClipPinsError::Code::sensitive) {
+        showNotice(std::string(kUnmarkToPinNotice), false);
     } else {
         showNotice(std::string(kCannotPin), false);
     }

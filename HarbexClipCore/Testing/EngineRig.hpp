@@ -85,6 +85,7 @@ struct EngineRigOptions {
     // Keeps every copy seeded, whatever its age or number (for benchmarks of large histories).
     bool keepsEverything = false;
     SealedFileWriter writeFile = {};
+    ClipPins* pins = nullptr;  // the rig's in-memory pins if none
 };
 
 // The engine on in-memory doubles and a real store in a temporary folder, on a fixed clock and
@@ -101,7 +102,7 @@ public:
                 .pasteboard = pasteboard,
                 .paster = paster,
                 .store = store.get(),
-                .pins = &pins,
+                .pins = options_.pins ? options_.pins : &pins,
                 .defaults = defaults,
                 .frontApp = [this] { return frontApp; },
                 .appName = [](std::string_view id) -> std::optional<std::string> {

@@ -17,6 +17,8 @@ public:
         if (auto failure = std::exchange(nextFailure_, std::nullopt)) {
             return std::unexpected(*failure);
         }
+        if (item.isSensitive)
+            return std::unexpected(ClipPinsError{ClipPinsError::Code::sensitive, {}});
         ++writeCount_;
         auto existing = find(item.id);
         if (existing != items_.end()) {

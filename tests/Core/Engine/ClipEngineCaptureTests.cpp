@@ -289,17 +289,24 @@ TEST(ClipEngineCaptureTests, ASampleAlsoDropsExpiredCopies) {
     EXPECT_TRUE(engine.history()->empty());
 }
 
-TEST(ClipEngineCaptureTests, PinnedSensitiveCopiesStay) {
+// A sensitive copy is never pinned (the shared file is plain text); a pinboard, kept in the sealed
+// history, protects it.
+TEST(ClipEngineCaptureTests, SensitiveCopiesOnAPinboardStay) {
     EngineRig rig;
     ClipEngine& engine = rig.start();
     engine.sample();
     rig.copyAndSample("4111 1111 1111 1111");
     const Uuid id = engine.history()->front().id;
-    ASSERT_TRUE(engine.pin(id));
+    EXPECT_FALSE(engine.pin(id));
+    const Pinboard board{.id = Uuid::random(), .name = "Cards"};
+    ASSERT_TRUE(engine.addPinboard(board));
+    ASSERT_TRUE(engine.addToPinboard(board.id, id));
     rig.scheduler.advance(3600);
     engine.sample();
     ASSERT_EQ(engine.history()->size(), 1u);
-    ASSERT_TRUE(engine.unpin(id));
+    ASSERT_TRUE(engine.removeFromPinboard(board.id, id));
+    rig.scheduler.advance(30);
+    engine.sample();
     EXPECT_TRUE(engine.history()->empty());
 }
 

@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "HarbexClipCore/Support/AtomicFile.hpp"
 #include "HarbexKit/Testing/MemoryDocumentNotifier.hpp"
+#include "tests/Core/Engine/EngineRig.hpp"
 
 namespace harbex {
 namespace {
@@ -247,6 +249,50 @@ TEST_F(ClipPinsBridgeTests, AFailedWriteIsReportedAndChangesNothing) {
     EXPECT_EQ(status.error().code, ClipPinsError::Code::writeFailed);
     EXPECT_FALSE(status.error().detail.empty());
     EXPECT_FALSE(bridge.isPinned(item.id));
+}
+
+std::string fileText(const fs::path& path) {
+    auto bytes = readFile(path);
+    return bytes ? std::string(bytes->begin(), bytes->end()) : std::string();
+}
+
+// The engine with the real shared file: a copy marked sensitive never reaches it, and one that
+// got there earlier (pinned, then marked; or an older version) is taken out.
+TEST_F(ClipPinsBridgeTests, ASensitiveCopyNeverStaysInTheSharedFile) {
+    constexpr std::string_view kCard = "5555 5555 5555 4444";
+    ClipPinsBridge bridge(ours, folder);
+    const fs::path file = folder / ClipboardPins::kDocumentName;
+    testing::EngineRigOptions options;
+    options.pins = &bridge;
+
+    // Pinned while ordinary, then found marked sensitive when the history opens.
+    ClipItem card = itemOf(ClipKind::text, std::string(kCard));
+    ASSERT_TRUE(bridge.pin(card));
+    ASSERT_NE(fileText(file).find(kCard), std::string::npos);
+    card.isSensitive = true;
+    testing::EngineRig rig(options);
+    rig.seedHistory(ClipLibrary{.items = {card}});
+    rig.makeStore();
+    ClipEngine& engine = rig.start();
+    engine.sample();
+    ASSERT_TRUE(engine.isHistoryOpen().get());
+    EXPECT_FALSE(bridge.isPinned(card.id));
+    EXPECT_EQ(fileText(file).find(kCard), std::string::npos);
+
+    // Pinning it is refused with the sentence the user sees.
+    const auto pinned = engine.pin(card.id);
+    ASSERT_FALSE(pinned);
+    EXPECT_EQ(pinned.error().code, ClipPinsError::Code::sensitive);
+    EXPECT_EQ(pinned.error().detail, kUnmarkToPinNotice);
+    EXPECT_EQ(fileText(file).find(kCard), std::string::npos);
+
+    // Unmarked it may be pinned; marked again, the pin goes.
+    ASSERT_TRUE(engine.setSensitive(card.id, ClipSensitivity::ordinary));
+    ASSERT_TRUE(engine.pin(card.id));
+    ASSERT_NE(fileText(file).find(kCard), std::string::npos);
+    ASSERT_TRUE(engine.setSensitive(card.id, ClipSensitivity::sensitive));
+    EXPECT_FALSE(bridge.isPinned(card.id));
+    EXPECT_EQ(fileText(file).find(kCard), std::string::npos);
 }
 
 }  // namespace

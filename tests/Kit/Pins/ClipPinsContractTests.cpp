@@ -114,6 +114,15 @@ TEST_P(ClipPinsContractTests, UnpinningRemovesOnlyThatPinAndToleratesRepeats) {
     EXPECT_EQ(pins().pinnedIDs(), std::vector<Uuid>{kept.id});
 }
 
+TEST_P(ClipPinsContractTests, ASensitiveCopyIsRefused) {
+    ClipItem card = copyOf(ClipKind::text, "5555 5555 5555 4444");
+    card.isSensitive = true;
+    const auto pinned = pins().pin(card);
+    ASSERT_FALSE(pinned);
+    EXPECT_EQ(pinned.error().code, ClipPinsError::Code::sensitive);
+    EXPECT_FALSE(pins().isPinned(card.id));
+}
+
 TEST_P(ClipPinsContractTests, OurOwnChangesAreNotReportedAsOutsideChanges) {
     int changes = 0;
     pins().setOnChange([&] { ++changes; });
