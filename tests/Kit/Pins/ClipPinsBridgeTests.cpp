@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "HarbexClipCore/Support/AtomicFile.hpp"
+#include "HarbexClipCore/Testing/EngineRig.hpp"
 #include "HarbexKit/Testing/MemoryDocumentNotifier.hpp"
-#include "tests/Core/Engine/EngineRig.hpp"
 
 namespace harbex {
 namespace {
