@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -26,6 +27,35 @@ namespace harbex {
 using PasteboardFlavour = MemoryPasteboard::Flavour;
 
 // Drives one implementation: the pasteboard under test plus "another application" that copies.
+// What another application offers for the contract's flavours on a Linux clipboard: each role
+// under the name `nameFor` gives it, and a URL with its title folded into one
+// `text/x-moz-url` offer (Firefox's form: the URL, a newline, the title).
+struct LinuxOffer {
+    std::string name;
+    std::optional<Bytes> data;
+};
+inline std::vector<LinuxOffer> linuxOffers(
+    const std::vector<PasteboardFlavour>& flavours,
+    const std::function<std::string(std::string_view)>& nameFor) {
+    std::vector<LinuxOffer> offers;
+    std::optional<std::string> url;
+    std::optional<std::string> title;
+    for (const auto& flavour : flavours) {
+        if (flavour.type == kUrlType || flavour.type == kUrlTitleType) {
+            auto& slot = flavour.type == kUrlType ? url : title;
+            slot = flavour.data ? stringOf(*flavour.data) : "";
+            continue;
+        }
+        offers.push_back({nameFor(flavour.type), flavour.data});
+    }
+    if (url || title) {
+        std::string mozUrl = url.value_or("");
+        if (title) mozUrl += "\n" + *title;
+        offers.push_back({"text/x-moz-url", bytesOf(mozUrl)});
+    }
+    return offers;
+}
+
 class PasteboardHarness {
 public:
     virtual ~PasteboardHarness() = default;

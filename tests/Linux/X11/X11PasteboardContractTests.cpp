@@ -23,22 +23,8 @@ public:
 
     void copyFromAnotherApp(const std::vector<PasteboardFlavour>& flavours) override {
         std::vector<ScriptedOwner::Offer> offers;
-        std::optional<std::string> url;
-        std::optional<std::string> title;
-        for (const auto& flavour : flavours) {
-            if (flavour.type == kUrlType || flavour.type == kUrlTitleType) {
-                auto& slot = flavour.type == kUrlType ? url : title;
-                slot = flavour.data ? stringOf(*flavour.data) : "";
-                continue;
-            }
-            offers.push_back({targetFor(flavour.type), flavour.data});
-        }
-        if (url || title) {
-            // Firefox's form: the URL, a newline, the title.
-            std::string mozUrl = url.value_or("");
-            if (title) mozUrl += "\n" + *title;
-            offers.push_back({"text/x-moz-url", bytesOf(mozUrl)});
-        }
+        for (auto& offer : linuxOffers(flavours, targetFor))
+            offers.push_back({std::move(offer.name), std::move(offer.data)});
         const auto before = pasteboard_->changeCount();
         owner_.offer(std::move(offers));
         ASSERT_TRUE(eventually([&] { return pasteboard_->changeCount() > before; }))
