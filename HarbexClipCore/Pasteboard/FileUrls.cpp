@@ -110,8 +110,10 @@ std::optional<std::string> filePathFromUrl(std::string_view url) {
 
 std::vector<std::string> urlsFromUriList(std::string_view uriList) {
     std::vector<std::string> urls;
+    // Producers end lines with LF or CRLF, and some (PCManFM) end the list with a NUL, which
+    // C strings would have ended at: each of them ends a line here.
     while (!uriList.empty()) {
-        const auto end = uriList.find('\n');
+        const auto end = uriList.find_first_of(std::string_view("\n\0", 2));
         const std::string_view line = trimmed(uriList.substr(0, end));
         if (!line.empty() && !line.starts_with('#')) urls.emplace_back(line);
         if (end == std::string_view::npos) break;

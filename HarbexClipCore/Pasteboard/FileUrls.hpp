@@ -20,7 +20,7 @@ std::string fileUrlFromPath(std::string_view path);
 // escapes and escaped NUL bytes.
 std::optional<std::string> filePathFromUrl(std::string_view url);
 
-// The URLs of a text/uri-list: lines split at CR LF or LF, comments ('#') and blank lines left
+// The URLs of a text/uri-list: lines split at CR LF, LF or NUL, comments ('#') and blank lines left
 // out, surrounding white space trimmed.
 std::vector<std::string> urlsFromUriList(std::string_view uriList);
 

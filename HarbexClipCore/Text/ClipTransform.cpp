@@ -354,15 +354,9 @@ std::optional<std::string> urlDecoded(std::string_view text) {
 std::optional<std::string> colorAs(std::string_view text, ClipColorFormat format) {
     const auto color = ColorParser::parse(text);
     if (!color) return std::nullopt;
-    std::string out = colorText(*color, format);
-    if (format == ClipColorFormat::hsl && color->a < 1) {
-        // The HSL form leaves alpha out; a transform must not lose it.
-        char alpha[16];
-        std::snprintf(alpha, sizeof alpha, ", %.2f)", color->a);
-        // "hsl(h, s%, l%)" becomes "hsla(h, s%, l%, a)".
-        out = "hsla" + out.substr(3, out.size() - 4) + alpha;
-    }
-    return out;
+    // HSL text has no alpha, like the panel's colour forms: a translucent colour gives its
+    // opaque HSL.
+    return colorText(*color, format);
 }
 
 }  // namespace

@@ -44,5 +44,14 @@ TEST(FileUrlsTests, UriListsSplitAtLineEndsAndSkipComments) {
     EXPECT_TRUE(urlsFromUriList("").empty());
 }
 
+TEST(FileUrlsTests, ATrailingNulAsFileManagersSendItEndsTheLastLine) {
+    // PCManFM's text/uri-list: CRLF after each URL and the C string's NUL sent along.
+    using namespace std::string_view_literals;
+    const std::vector<std::string> both{"file:///tmp/a%20b", "file:///tmp/c"};
+    EXPECT_EQ(urlsFromUriList("file:///tmp/a%20b\r\nfile:///tmp/c\r\n\0"sv), both);
+    EXPECT_EQ(urlsFromUriList("file:///tmp/a%20b\nfile:///tmp/c\0"sv), both);
+    EXPECT_EQ(filePathFromUrl(urlsFromUriList("file:///tmp/c\0"sv).back()), "/tmp/c");
+}
+
 }  // namespace
 }  // namespace harbex

