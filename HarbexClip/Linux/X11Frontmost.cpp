@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "HarbexClip/Linux/X11Activator.hpp"
+#include "HarbexClip/Linux/X11SelectionData.hpp"
 
 namespace harbex {
 
@@ -21,9 +22,9 @@ xcb_window_t X11Frontmost::activeWindow() {
 
 std::int32_t X11Frontmost::windowPid(xcb_window_t window) {
     if (window == XCB_NONE) return 0;
-    const auto pid =
-        connection_.property32(window, connection_.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
-    if (!pid.empty() && pid.front() > 0) return static_cast<std::int32_t>(pid.front());
+    if (auto pid = x11data::windowPid(
+            connection_.property32(window, connection_.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL)))
+        return *pid;
     // Clients that do not set _NET_WM_PID: ask the server which local process owns the window.
     xcb_connection_t* c = connection_.raw();
     xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
@@ -42,14 +43,7 @@ std::int32_t X11Frontmost::windowPid(xcb_window_t window) {
 std::pair<std::string, std::string> X11Frontmost::windowClass(xcb_window_t window) {
     const auto value = connection_.propertyBytes(window, XCB_ATOM_WM_CLASS);
     if (!value) return {};
-    // Two NUL-terminated strings: instance, then class.
-    const std::string instance = value->substr(0, value->find('\0'));
-    std::string windowClass;
-    if (instance.size() + 1 < value->size()) {
-        windowClass = value->substr(instance.size() + 1);
-        windowClass = windowClass.substr(0, windowClass.find('\0'));
-    }
-    return {instance, windowClass};
+    return x11data::windowClass(*value);
 }
 
 std::optional<ClipTargetApp> X11Frontmost::appOfWindow(xcb_window_t window) {
@@ -57,8 +51,8 @@ std::optional<ClipTargetApp> X11Frontmost::appOfWindow(xcb_window_t window) {
     ClipTargetApp app;
     app.pid = windowPid(window);
     const auto [instance, windowClass] = this->windowClass(window);
-    const auto gtkID =
-        connection_.propertyBytes(window, connection_.atom("_GTK_APPLICATION_ID")).value_or("");
+    const auto gtkID = x11data::gtkApplicationId(
+        connection_.propertyBytes(window, connection_.atom("_GTK_APPLICATION_ID")).value_or(""));
     if (auto entry = entries_.match(instance, windowClass, gtkID)) {
         app.bundleID = entry->id;
         app.name = entry->name.empty() ? entry->id : entry->name;
