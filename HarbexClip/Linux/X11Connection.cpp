@@ -15,7 +15,7 @@ namespace {
 
 // Every atom this layer ever names. Atoms are never freed by the server, so interning names that
 // come from outside (other clients' target names, say) would grow its table without bound.
-constexpr std::array<std::string_view, 44> kAtomNames{
+constexpr std::array<std::string_view, 47> kAtomNames{
     "CLIPBOARD",
     "TARGETS",
     "TIMESTAMP",
@@ -23,8 +23,12 @@ constexpr std::array<std::string_view, 44> kAtomNames{
     "INCR",
     "ATOM_PAIR",
     "SAVE_TARGETS",
+    "CLIPBOARD_MANAGER",
+    "_HARBEX_SAVE",
     "DELETE",
     "UTF8_STRING",
+    // Predefined (31), listed so it can be served by name like every other target.
+    "STRING",
     "TEXT",
     "text/plain",
     "text/plain;charset=utf-8",

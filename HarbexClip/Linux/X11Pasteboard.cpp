@@ -6,6 +6,7 @@
 #include <array>
 #include <cstring>
 
+#include "HarbexClip/Linux/X11SelectionData.hpp"
 #include "HarbexClipCore/Pasteboard/FileUrls.hpp"
 #include "HarbexClipCore/Pasteboard/PasteboardTypes.hpp"
 #include "HarbexClipCore/Support/Unicode.hpp"
@@ -32,64 +33,6 @@ constexpr std::array<std::string_view, 9> kMetaTargets{
 
 constexpr std::array<std::string_view, 5> kTextTargets{"UTF8_STRING", "text/plain;charset=utf-8",
                                                        "STRING", "TEXT", "text/plain"};
-
-// UTF-16 with a byte-order mark (or, when `assumeLittleEndian`, without one) to UTF-8; other
-// data is returned as it is.
-std::string decodeMaybeUtf16(const Bytes& data, bool assumeLittleEndian) {
-    bool little = false;
-    std::size_t start = 0;
-    if (data.size() >= 2 && data[0] == 0xFF && data[1] == 0xFE) {
-        little = true;
-        start = 2;
-    } else if (data.size() >= 2 && data[0] == 0xFE && data[1] == 0xFF) {
-        start = 2;
-    } else if (assumeLittleEndian && data.size() >= 2 && data.size() % 2 == 0 && data[1] == 0) {
-        little = true;
-    } else {
-        return stringOf(data);
-    }
-    std::string out;
-    out.reserve(data.size() / 2);
-    auto unit = [&](std::size_t i) -> char16_t {
-        return little ? char16_t(data[i] | (data[i + 1] << 8))
-                      : char16_t((data[i] << 8) | data[i + 1]);
-    };
-    for (std::size_t i = start; i + 1 < data.size(); i += 2) {
-        char32_t code = unit(i);
-        if (code >= 0xD800 && code < 0xDC00 && i + 3 < data.size()) {
-            const char32_t low = unit(i + 2);
-            if (low >= 0xDC00 && low < 0xE000) {
-                code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-                i += 2;
-            } else {
-                code = 0xFFFD;
-            }
-        } else if (code >= 0xD800 && code < 0xE000) {
-            code = 0xFFFD;
-        }
-        if (code == 0) break;  // some writers terminate with NUL
-        appendUtf8(out, code);
-    }
-    return out;
-}
-
-std::string latin1ToUtf8(const Bytes& data) {
-    std::string out;
-    out.reserve(data.size());
-    for (std::uint8_t byte : data) appendUtf8(out, byte);
-    return out;
-}
-
-Bytes utf8ToLatin1(std::string_view text) {
-    Bytes out;
-    out.reserve(text.size());
-    std::size_t offset = 0;
-    while (offset < text.size()) {
-        const char32_t code = nextCodePoint(text, offset);
-        out.push_back(code <= 0xFF ? std::uint8_t(code) : std::uint8_t('?'));
-    }
-    return out;
-}
 
 template <typename Event>
 const Event& as(const xcb_generic_event_t& event) {
@@ -119,26 +62,57 @@ X11Pasteboard::X11Pasteboard(X11Connection& connection) : connection_(connection
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    manager_ = connection_.atom("CLIPBOARD_MANAGER");
+    xcb_xfixes_select_selection_input(connection_.raw(), connection_.window(), manager_,
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     // Serving and counting never call out of this object, so they may run inside a wait (which
     // is what lets us read a selection we own ourselves).
     handlerID_ = connection_.addHandler(
         [this](const xcb_generic_event_t& event) { return handleEvent(event); },
         DuringWaits::handled);
+    claimManager();
     connection_.flush();
 }
 
 X11Pasteboard::~X11Pasteboard() {
     connection_.removeHandler(handlerID_);
-    if (owning_) {
-        xcb_set_selection_owner(connection_.raw(), XCB_NONE, clipboard_, ownTime_);
-        connection_.flush();
-    }
+    if (owning_) xcb_set_selection_owner(connection_.raw(), XCB_NONE, clipboard_, ownTime_);
+    if (owningManager_) xcb_set_selection_owner(connection_.raw(), XCB_NONE, manager_, ownTime_);
+    connection_.flush();
 }
 
 std::int64_t X11Pasteboard::changeCount() {
     connection_.dispatch();
     dropIdleTransfers();
+    // Both wait for other clients, which event handlers must not do.
+    if (managerFree_) claimManager();
+    if (pendingSave_) {
+        const xcb_selection_request_event_t request = *pendingSave_;
+        pendingSave_.reset();
+        storeForQuittingOwner(request);
+    }
     return changeCount_;
+}
+
+ClipKeepOnQuit X11Pasteboard::keepOnQuit() {
+    return owningManager_ || managerFree_ ? ClipKeepOnQuit::ours : ClipKeepOnQuit::anotherManager;
+}
+
+void X11Pasteboard::claimManager() {
+    managerFree_ = false;
+    xcb_connection_t* c = connection_.raw();
+    XcbReply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, manager_), nullptr));
+    // Another manager already keeps copies of quitting applications: two would fight over
+    // every copy, so the duty stays with the one that came first.
+    if (!owner || owner->owner != XCB_NONE) return;
+    const xcb_timestamp_t time = connection_.serverTime();
+    xcb_set_selection_owner(c, connection_.window(), manager_, time);
+    XcbReply<xcb_get_selection_owner_reply_t> now(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, manager_), nullptr));
+    owningManager_ = now && now->owner == connection_.window();
 }
 
 // MARK: Reading
@@ -154,7 +128,8 @@ xcb_atom_t X11Pasteboard::nextProperty() {
     return property;
 }
 
-std::optional<Bytes> X11Pasteboard::readProperty(xcb_atom_t property, bool& incremental) {
+std::optional<Bytes> X11Pasteboard::readProperty(xcb_atom_t property, bool& incremental,
+                                                 xcb_atom_t* type) {
     xcb_connection_t* c = connection_.raw();
     XcbReply<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(c,
@@ -163,12 +138,14 @@ std::optional<Bytes> X11Pasteboard::readProperty(xcb_atom_t property, bool& incr
                                nullptr));
     if (!reply || reply->type == XCB_ATOM_NONE) return std::nullopt;
     incremental = reply->type == connection_.atom("INCR");
+    if (type && !incremental) *type = reply->type;
     const auto* data = static_cast<const std::uint8_t*>(xcb_get_property_value(reply.get()));
     const int length = xcb_get_property_value_length(reply.get());
     return Bytes(data, data + std::max(length, 0));
 }
 
-std::optional<Bytes> X11Pasteboard::request(xcb_atom_t target) {
+std::optional<Bytes> X11Pasteboard::request(xcb_atom_t target, xcb_atom_t* type, std::size_t limit,
+                                            bool* overLimit) {
     if (unresponsiveCount_ == changeCount_) return std::nullopt;
     xcb_connection_t* c = connection_.raw();
     const xcb_window_t window = connection_.window();
@@ -191,12 +168,21 @@ std::optional<Bytes> X11Pasteboard::request(xcb_atom_t target) {
     if (as<xcb_selection_notify_event_t>(*notify).property == XCB_ATOM_NONE) return std::nullopt;
 
     bool incremental = false;
-    auto first = readProperty(property, incremental);
+    auto first = readProperty(property, incremental, type);
+    const auto tooLarge = [&] {
+        // Deleting without reading on ends our side; the owner gives up on its own time-out.
+        xcb_delete_property(c, window, property);
+        if (overLimit) *overLimit = true;
+        return std::nullopt;
+    };
+    if (first && !incremental && first->size() > limit) return tooLarge();
     if (!first || !incremental) return first;
+    // A copy announced as too large is not fetched at all.
+    x11data::IncrementalReply reply(*first, limit);
+    if (reply.state() == x11data::IncrementalReply::Step::tooLarge) return tooLarge();
 
     // INCR: deleting the property (done by the read) asks for each next chunk; an empty chunk
     // ends the transfer.
-    Bytes data;
     for (;;) {
         XcbEvent chunk = connection_.waitFor(
             [&](const xcb_generic_event_t& event) {
@@ -211,14 +197,13 @@ std::optional<Bytes> X11Pasteboard::request(xcb_atom_t target) {
             return std::nullopt;
         }
         bool ignored = false;
-        auto part = readProperty(property, ignored);
+        auto part = readProperty(property, ignored, type);
         if (!part) return std::nullopt;
-        if (part->empty()) return data;
-        if (data.size() + part->size() > kMaxReadBytes) {
-            xcb_delete_property(c, window, property);
-            return std::nullopt;
+        switch (reply.add(*part)) {
+            case x11data::IncrementalReply::Step::more: break;
+            case x11data::IncrementalReply::Step::done: return reply.take();
+            case x11data::IncrementalReply::Step::tooLarge: return tooLarge();
         }
-        data.insert(data.end(), part->begin(), part->end());
     }
 }
 
@@ -228,15 +213,10 @@ const std::vector<X11Pasteboard::Target>& X11Pasteboard::targets() {
     targets_.clear();
     targetsCount_ = changeCount_;
     auto reply = request(connection_.atom("TARGETS"));
-    if (!reply || reply->size() % 4 != 0) return targets_;
-    std::vector<xcb_atom_t> atoms(reply->size() / 4);
-    std::memcpy(atoms.data(), reply->data(), reply->size());
-    // Owners repeat targets now and then; keep the first.
-    std::vector<xcb_atom_t> unique;
-    for (xcb_atom_t atom : atoms) {
-        if (atom != XCB_ATOM_NONE && std::ranges::find(unique, atom) == unique.end())
-            unique.push_back(atom);
-    }
+    if (!reply) return targets_;
+    const auto atoms = x11data::targetAtoms(*reply);
+    if (!atoms) return targets_;
+    const std::vector<xcb_atom_t> unique(atoms->begin(), atoms->end());
     const auto names = connection_.atomNames(unique);
     for (std::size_t i = 0; i < unique.size(); ++i) {
         if (!names[i].empty()) targets_.push_back(Target{unique[i], names[i]});
@@ -251,16 +231,18 @@ const X11Pasteboard::Target* X11Pasteboard::findTarget(std::string_view name) {
 }
 
 std::optional<Bytes> X11Pasteboard::readFirst(std::initializer_list<std::string_view> names,
-                                              std::string_view* which) {
+                                              std::string_view* which, std::size_t limit,
+                                              bool* overLimit) {
     // The first declared name is the one read; when its owner gives nothing the next declared
     // one is tried.
     for (std::string_view name : names) {
         const Target* target = findTarget(name);
         if (!target) continue;
-        if (auto data = request(target->atom)) {
+        if (auto data = request(target->atom, nullptr, limit, overLimit)) {
             if (which) *which = name;
             return data;
         }
+        if (overLimit && *overLimit) return std::nullopt;
     }
     return std::nullopt;
 }
@@ -293,37 +275,25 @@ std::optional<PasteboardSnapshot> X11Pasteboard::snapshot() {
     snapshot.sourceID = readString(kSourceType);
     snapshot.passwordManagerHint = readString(kPasswordManagerHintType);
     std::string_view filesTarget;
-    if (auto list = readFirst({"text/uri-list", "x-special/gnome-copied-files"}, &filesTarget)) {
-        std::string text = stringOf(*list);
-        if (filesTarget == "x-special/gnome-copied-files") {
-            // "copy" or "cut", then one URL per line.
-            const auto newline = text.find('\n');
-            text = newline == std::string::npos ? std::string() : text.substr(newline + 1);
-        }
-        snapshot.fileURLs = urlsFromUriList(text);
-    }
+    if (auto list = readFirst({"text/uri-list", "x-special/gnome-copied-files"}, &filesTarget))
+        snapshot.fileURLs = x11data::fileUrls(filesTarget, *list);
     std::string_view textTarget;
     if (auto text = readFirst({"UTF8_STRING", "text/plain;charset=utf-8", "STRING", "text/plain"},
-                              &textTarget)) {
-        snapshot.string = textTarget == "STRING" ? latin1ToUtf8(*text) : stringOf(*text);
+                              &textTarget, textLimit(), &snapshot.textOverLimit)) {
+        snapshot.string = textTarget == "STRING" ? x11data::latin1ToUtf8(*text) : stringOf(*text);
     }
-    snapshot.rtf = readFirst({"text/rtf", "text/richtext"});
-    if (auto html = readFirst({"text/html"})) {
-        snapshot.html = bytesOf(decodeMaybeUtf16(*html, false));
+    // Plain text over the limit refuses the copy: nothing else of it is worth reading.
+    if (snapshot.textOverLimit) return snapshot;
+    bool richOver = false;
+    snapshot.rtf = readFirst({"text/rtf", "text/richtext"}, nullptr, textLimit(), &richOver);
+    if (auto html = readFirst({"text/html"}, nullptr, textLimit(), &richOver)) {
+        snapshot.html = bytesOf(x11data::decodeMaybeUtf16(*html, false));
     }
     if (!snapshot.string) {
         if (auto mozUrl = readFirst({"text/x-moz-url"})) {
-            const std::string text = decodeMaybeUtf16(*mozUrl, true);
-            const auto newline = text.find('\n');
-            std::string url = text.substr(0, newline);
-            while (!url.empty() && (url.back() == '\r' || url.back() == '\0')) url.pop_back();
-            if (!url.empty()) snapshot.url = url;
-            if (newline != std::string::npos) {
-                std::string title = text.substr(newline + 1);
-                while (!title.empty() && (title.back() == '\n' || title.back() == '\r'))
-                    title.pop_back();
-                if (!title.empty()) snapshot.urlTitle = title;
-            }
+            auto [url, title] = x11data::mozUrl(*mozUrl);
+            snapshot.url = std::move(url);
+            snapshot.urlTitle = std::move(title);
         }
     }
     if (snapshot.fileURLs.empty() && !snapshot.string) {
@@ -373,7 +343,7 @@ std::int64_t X11Pasteboard::write(const ClipPayload& payload,
         serve("text/plain;charset=utf-8", "text/plain;charset=utf-8", utf8);
         serve("text/plain", "text/plain", utf8);
         serve("TEXT", "UTF8_STRING", utf8);
-        serve("STRING", "STRING", utf8ToLatin1(*payload.text));
+        serve("STRING", "STRING", x11data::utf8ToLatin1(*payload.text));
     }
     if (payload.rtf) serve("text/rtf", "text/rtf", *payload.rtf);
     if (payload.html) serve("text/html", "text/html", *payload.html);
@@ -386,7 +356,18 @@ std::int64_t X11Pasteboard::write(const ClipPayload& payload,
     if (sourceID) serve(kSourceType, kSourceType, bytesOf(*sourceID));
 
     // ICCCM wants a real timestamp for ownership; CurrentTime would let stale requests through.
-    const xcb_timestamp_t time = connection_.serverTime();
+    if (takeOwnership(connection_.serverTime())) {
+        // Counted here so the caller gets the new count at once; the matching XFixes
+        // notification is then skipped.
+        ++changeCount_;
+        ownerLeft_ = false;
+    } else {
+        served_.clear();
+    }
+    return changeCount_;
+}
+
+bool X11Pasteboard::takeOwnership(xcb_timestamp_t time) {
     xcb_connection_t* c = connection_.raw();
     xcb_set_selection_owner(c, connection_.window(), clipboard_, time);
     XcbReply<xcb_get_selection_owner_reply_t> owner(
@@ -394,14 +375,49 @@ std::int64_t X11Pasteboard::write(const ClipPayload& payload,
     owning_ = owner && owner->owner == connection_.window();
     if (owning_) {
         ownTime_ = time;
-        // Counted here so the caller gets the new count at once; the matching XFixes
-        // notification is then skipped.
-        ++changeCount_;
         ownTakeovers_.push_back(time);
-    } else {
-        served_.clear();
     }
-    return changeCount_;
+    return owning_;
+}
+
+void X11Pasteboard::storeForQuittingOwner(const xcb_selection_request_event_t& save) {
+    const bool keeps = owningManager_ && !owning_ && judge_ && judge_(changeCount_);
+    if (!keeps) {
+        notify(save, XCB_ATOM_NONE);
+        return;
+    }
+    // The targets the owner listed; GTK lists none, meaning all it offers.
+    std::vector<xcb_atom_t> wanted;
+    if (save.property != XCB_ATOM_NONE)
+        wanted = connection_.property32(save.requestor, save.property, XCB_ATOM_ATOM);
+    if (wanted.empty()) {
+        for (const Target& target : targets()) wanted.push_back(target.atom);
+    }
+    std::vector<xcb_atom_t> skipped{connection_.atom(kOwnWriteType)};
+    for (std::string_view meta : kMetaTargets) skipped.push_back(connection_.atom(meta));
+    std::vector<Served> kept;
+    std::size_t total = 0;
+    for (xcb_atom_t target : wanted) {
+        if (std::ranges::find(skipped, target) != skipped.end() ||
+            std::ranges::find(kept, target, &Served::target) != kept.end())
+            continue;
+        xcb_atom_t type = target;
+        auto data = request(target, &type);
+        if (!data) continue;
+        total += data->size();
+        if (total > kMaxReadBytes) break;
+        kept.push_back(Served{target, type, std::make_shared<const Bytes>(std::move(*data))});
+    }
+    if (kept.empty()) {
+        notify(save, XCB_ATOM_NONE);
+        return;
+    }
+    served_ = std::move(kept);
+    serve(kOwnWriteType, kOwnWriteType, {});
+    // The contents stay what they were, so this is no change for the count.
+    if (!takeOwnership(connection_.serverTime())) served_.clear();
+    notify(save, owning_ ? (save.property != XCB_ATOM_NONE ? save.property : save.target)
+                         : xcb_atom_t(XCB_ATOM_NONE));
 }
 
 // MARK: Events
@@ -409,14 +425,31 @@ std::int64_t X11Pasteboard::write(const ClipPayload& payload,
 bool X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {
     const std::uint8_t type = event.response_type & 0x7f;
     if (type == connection_.xfixesFirstEvent() + XCB_XFIXES_SELECTION_NOTIFY) {
-        const auto& notify = as<xcb_xfixes_selection_notify_event_t>(event);
-        if (notify.selection != clipboard_) return false;
+        const auto& change = as<xcb_xfixes_selection_notify_event_t>(event);
+        if (change.selection == manager_) {
+            if (change.owner == XCB_NONE) {
+                managerFree_ = true;
+            } else if (change.owner != connection_.window()) {
+                owningManager_ = false;
+            }
+            return true;
+        }
+        if (change.selection != clipboard_) return false;
         handleOwnerChange(event);
         return true;
     }
     switch (type) {
         case XCB_SELECTION_REQUEST: {
             const auto& request = as<xcb_selection_request_event_t>(event);
+            if (request.owner == connection_.window() && request.selection == manager_) {
+                if (request.target != connection_.atom("SAVE_TARGETS")) {
+                    notify(request, XCB_ATOM_NONE);
+                } else {
+                    if (pendingSave_) notify(*pendingSave_, XCB_ATOM_NONE);
+                    pendingSave_ = request;
+                }
+                return true;
+            }
             if (request.owner != connection_.window() || request.selection != clipboard_)
                 return false;
             handleRequest(request);
@@ -424,6 +457,10 @@ bool X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {
         }
         case XCB_SELECTION_CLEAR: {
             const auto& clear = as<xcb_selection_clear_event_t>(event);
+            if (clear.owner == connection_.window() && clear.selection == manager_) {
+                owningManager_ = false;
+                return true;
+            }
             if (clear.owner != connection_.window() || clear.selection != clipboard_) return false;
             owning_ = false;
             served_.clear();
@@ -445,6 +482,9 @@ bool X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {
 
 void X11Pasteboard::handleOwnerChange(const xcb_generic_event_t& event) {
     const auto& notify = as<xcb_xfixes_selection_notify_event_t>(event);
+    // Whatever the subtype: a destroyed window, a closed client, or an owner set to None all
+    // leave the clipboard empty.
+    ownerLeft_ = notify.owner == XCB_NONE;
     if (notify.owner == connection_.window()) {
         auto it = std::ranges::find(ownTakeovers_, notify.selection_timestamp);
         if (it != ownTakeovers_.end()) {
@@ -476,14 +516,18 @@ void X11Pasteboard::handleRequest(const xcb_selection_request_event_t& request) 
     } else if (current) {
         served = serveTarget(request.requestor, request.target, property);
     }
+    notify(request, served ? property : xcb_atom_t(XCB_ATOM_NONE));
+}
+
+void X11Pasteboard::notify(const xcb_selection_request_event_t& request, xcb_atom_t property) {
     xcb_selection_notify_event_t reply{};
     reply.response_type = XCB_SELECTION_NOTIFY;
     reply.time = request.time;
     reply.requestor = request.requestor;
     reply.selection = request.selection;
     reply.target = request.target;
-    reply.property = served ? property : xcb_atom_t(XCB_ATOM_NONE);
-    xcb_send_event(c, 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
+    reply.property = property;
+    xcb_send_event(connection_.raw(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
                    reinterpret_cast<const char*>(&reply));
     connection_.flush();
 }

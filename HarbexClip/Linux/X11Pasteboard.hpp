@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,6 +45,15 @@ public:
     std::optional<PasteboardSnapshot> snapshot() override;
     std::int64_t write(const ClipPayload& payload,
                        std::optional<std::string_view> sourceID) override;
+    // An owner that quits is seen through XFixes (its window destroyed, its client gone, or the
+    // selection set to None). Owners that store on exit ask the CLIPBOARD_MANAGER selection,
+    // which this object claims at construction unless another manager holds it.
+    void setTextLimit(std::optional<std::size_t> bytes) override { textLimit_ = bytes; }
+    bool ownerLeft() override { return ownerLeft_; }
+    ClipKeepOnQuit keepOnQuit() override;
+    void setKeepOnQuitJudge(std::function<bool(std::int64_t)> judge) override {
+        judge_ = std::move(judge);
+    }
 
     // Whether this object owns CLIPBOARD right now.
     bool ownsClipboard() const { return owning_; }
@@ -75,10 +85,18 @@ private:
 
     const std::vector<Target>& targets();
     const Target* findTarget(std::string_view name);
-    std::optional<Bytes> request(xcb_atom_t target);
-    std::optional<Bytes> readProperty(xcb_atom_t property, bool& incremental);
+    // `type`, when given, receives the type the owner gave the data. A reply announced or grown
+    // past `limit` is abandoned and sets `overLimit`.
+    std::optional<Bytes> request(xcb_atom_t target, xcb_atom_t* type = nullptr,
+                                 std::size_t limit = kMaxReadBytes, bool* overLimit = nullptr);
+    std::optional<Bytes> readProperty(xcb_atom_t property, bool& incremental,
+                                      xcb_atom_t* type = nullptr);
     std::optional<Bytes> readFirst(std::initializer_list<std::string_view> names,
-                                   std::string_view* which = nullptr);
+                                   std::string_view* which = nullptr,
+                                   std::size_t limit = kMaxReadBytes, bool* overLimit = nullptr);
+    std::size_t textLimit() const {
+        return std::min(textLimit_.value_or(kMaxReadBytes), kMaxReadBytes);
+    }
     std::optional<std::string> readString(std::string_view name);
     xcb_atom_t nextProperty();
 
@@ -89,6 +107,11 @@ private:
     void continueTransfer(xcb_window_t window, xcb_atom_t property);
     void dropIdleTransfers();
     void serve(std::string_view target, std::string_view type, Bytes data);
+    void claimManager();
+    // Answers a SAVE_TARGETS request held back from event handling (reading the owner waits).
+    void storeForQuittingOwner(const xcb_selection_request_event_t& save);
+    bool takeOwnership(xcb_timestamp_t time);
+    void notify(const xcb_selection_request_event_t& request, xcb_atom_t property);
 
     X11Connection& connection_;
     int handlerID_ = 0;
@@ -103,6 +126,13 @@ private:
     std::vector<Target> targets_;
     std::optional<std::int64_t> unresponsiveCount_;
     std::size_t nextProperty_ = 0;
+    bool ownerLeft_ = false;
+    std::optional<std::size_t> textLimit_;
+    xcb_atom_t manager_ = XCB_ATOM_NONE;
+    bool owningManager_ = false;
+    bool managerFree_ = false;  // nobody holds CLIPBOARD_MANAGER: claim it at the next look
+    std::optional<xcb_selection_request_event_t> pendingSave_;
+    std::function<bool(std::int64_t)> judge_;
 };
 
 }  // namespace harbex

@@ -23,6 +23,7 @@ CaptureRuleSettings CaptureRuleSettings::from(const ClipSettings& settings) {
     rules.stripsTrackingOnCopy = settings.window.stripsTrackingOnCopy;
     rules.keepsImages = settings.window.keepsImages;
     rules.imageLimit = settings.imageLimit;
+    rules.textLimit = settings.textLimit;
     return rules;
 }
 

@@ -35,6 +35,7 @@ struct CaptureRuleSettings {
     bool stripsTrackingOnCopy = false;
     ClipImageKeeping keepsImages = ClipImageKeeping::original;
     std::int64_t imageLimit = ClipSettings{}.imageLimit;  // bytes
+    std::int64_t textLimit = ClipSettings{}.textLimit;    // bytes of UTF-8
 
     // The fields of the user's settings record.
     static CaptureRuleSettings from(const ClipSettings& settings);

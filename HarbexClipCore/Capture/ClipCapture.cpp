@@ -1,5 +1,7 @@
 #include "HarbexClipCore/Capture/ClipCapture.hpp"
 
+#include <algorithm>
+
 #include "HarbexClipCore/Capture/PrivacyMarkers.hpp"
 
 namespace harbex {
@@ -44,13 +46,22 @@ CaptureDecision ClipCapture::decide(const PasteboardSnapshot& read, const Detect
     if (isPrivate(read.types, hint))
         return CaptureDecision{std::nullopt, SkipReason::markedPrivate()};
 
+    const std::size_t textLimit = std::size_t(std::max<std::int64_t>(settings.textLimit, 0));
+    if (read.textOverLimit || (read.string && read.string->size() > textLimit))
+        return CaptureDecision{std::nullopt, SkipReason::tooLarge()};
+
     const PasteboardSnapshot* snapshot = &read;
-    PasteboardSnapshot withoutImage;
-    if (read.image && !decodesImage(read, settings)) {
-        // An image over the limit is not kept; whatever else the copy offers still may be.
-        withoutImage = read;
-        withoutImage.image.reset();
-        snapshot = &withoutImage;
+    PasteboardSnapshot trimmed;
+    const bool imageOver = read.image && !decodesImage(read, settings);
+    const bool rtfOver = read.rtf && read.rtf->size() > textLimit;
+    const bool htmlOver = read.html && read.html->size() > textLimit;
+    if (imageOver || rtfOver || htmlOver) {
+        // A form over its limit is not kept; whatever else the copy offers still may be.
+        trimmed = read;
+        if (imageOver) trimmed.image.reset();
+        if (rtfOver) trimmed.rtf.reset();
+        if (htmlOver) trimmed.html.reset();
+        snapshot = &trimmed;
     }
     auto detected = detector_.detect(*snapshot, context);
     if (!detected) return CaptureDecision{};

@@ -12,7 +12,7 @@ namespace harbex {
 // Why one pasteboard change was not kept. Published by the engine as `lastSkip`; never shown as
 // a message box.
 struct SkipReason {
-    enum class Kind { excludedApp, ownCopy, markedPrivate, paused, kindOff, tooShort };
+    enum class Kind { excludedApp, ownCopy, markedPrivate, paused, kindOff, tooShort, tooLarge };
 
     Kind kind = Kind::ownCopy;
     std::string appID;  // excludedApp only: the application, so the interface can name it
@@ -25,6 +25,8 @@ struct SkipReason {
     static SkipReason paused() { return SkipReason{Kind::paused, {}}; }
     static SkipReason kindOff() { return SkipReason{Kind::kindOff, {}}; }
     static SkipReason tooShort() { return SkipReason{Kind::tooShort, {}}; }
+    // Its text is over the text limit.
+    static SkipReason tooLarge() { return SkipReason{Kind::tooLarge, {}}; }
 
     bool operator==(const SkipReason&) const = default;
 };
@@ -38,6 +40,7 @@ struct EnumNames<SkipReason::Kind> {
         std::pair{SkipReason::Kind::paused, std::string_view("paused")},
         std::pair{SkipReason::Kind::kindOff, std::string_view("kindOff")},
         std::pair{SkipReason::Kind::tooShort, std::string_view("tooShort")},
+        std::pair{SkipReason::Kind::tooLarge, std::string_view("tooLarge")},
     };
 };
 

@@ -70,9 +70,13 @@ ClipEngine::ClipEngine(ClipEngineEnvironment environment, ClipEngineOptions opti
     }
     if (pinsBridge_) pinsBridge_->setOnChange([this] { publishPins(); });
     publishPins();
+    pasteboard_.setTextLimit(std::size_t(std::max<std::int64_t>(rules_.textLimit, 0)));
+    pasteboard_.setKeepOnQuitJudge(
+        [this](std::int64_t count) { return keepableOnQuit(count) != nullptr; });
 }
 
 ClipEngine::~ClipEngine() {
+    pasteboard_.setKeepOnQuitJudge({});
     shutdown();
     if (pinsBridge_) pinsBridge_->setOnChange({});
     if (store_) store_->setSaveFailureHandler({});
@@ -90,7 +94,9 @@ void ClipEngine::sample() {
     if (saveFailures_->waiting.load(std::memory_order_acquire)) takeSaveFailures();
     if (nextExpiry_ && now_() >= *nextExpiry_) sweepExpired();
 
-    if (capture_.lastCount() == pasteboard_.changeCount()) return;
+    const std::optional<std::int64_t> previous = capture_.lastCount();
+    if (previous == pasteboard_.changeCount()) return;
+    if (previous && pasteboard_.ownerLeft() && restoreAfterOwnerLeft(*previous)) return;
     std::optional<std::string> appID = frontApp_ ? frontApp_() : std::nullopt;
     const SampleInputs inputs{appID, rules_, now_(), access_.get()};
     SampleResult result = capture_.sample(inputs);
@@ -136,10 +142,11 @@ void ClipEngine::capture(const PasteboardSnapshot& read, const std::optional<std
         appID && appName_ ? appName_(*appID) : std::optional<std::string>();
     const DetectionContext context = detectionContext(appID, appName);
 
+    const std::int64_t count = capture_.lastCount().value_or(0);
     const bool background = ClipCapture::decodesImage(read, rules_) &&
                             options_.imageDetection == ClipBackgroundWork::on && postToMain_;
     if (!background) {
-        finishCapture(capture_.decide(read, context, rules_));
+        finishCapture(capture_.decide(read, context, rules_), count);
         return;
     }
 
@@ -154,28 +161,55 @@ void ClipEngine::capture(const PasteboardSnapshot& read, const std::optional<std
     std::weak_ptr<bool> alive = alive_;
     workers_.push_back(
         std::async(std::launch::async, [this, alive, post = postToMain_, context, rules = rules_,
-                                        snapshot = read, id = pendingCapture.id]() mutable {
+                                        snapshot = read, id = pendingCapture.id, count]() mutable {
             CaptureDecision decision = capture_.decide(snapshot, context, rules);
-            post([this, alive, id, decision = std::move(decision)]() mutable {
+            post([this, alive, id, count, decision = std::move(decision)]() mutable {
                 if (!alive.lock()) return;
                 auto list = pending_.get();
                 std::erase_if(list, [&](const ClipPendingCapture& p) { return p.id == id; });
                 pending_.set(std::move(list));
                 if (decision.clip) decision.clip->item.id = id;
-                finishCapture(std::move(decision));
+                finishCapture(std::move(decision), count);
             });
         }));
 }
 
-void ClipEngine::finishCapture(CaptureDecision decision) {
+void ClipEngine::finishCapture(CaptureDecision decision, std::int64_t count) {
     if (decision.skip) {
         lastSkip_.setIfChanged(decision.skip);
         return;
     }
     if (!decision.clip || !isHistoryOpen_.get()) return;
+    const std::string keptFingerprint = decision.clip->item.fingerprint;
     if (!keep(std::move(*decision.clip))) return;
+    if (const ClipItem* kept = model_.itemWithFingerprint(keptFingerprint))
+        lastKept_ = KeptChange{count, kept->id};
     lastSkip_.setIfChanged(std::nullopt);
     captured_.set(captured_.get() + 1);
+}
+
+const ClipItem* ClipEngine::keepableOnQuit(std::int64_t count) const {
+    if (!lastKept_ || lastKept_->count != count || !isHistoryOpen_.get()) return nullptr;
+    if (!settings_->window.keepsClipboardOnQuit || isPaused()) return nullptr;
+    const ClipItem* item = model_.item(lastKept_->id);
+    return item && !item->isSensitive ? item : nullptr;
+}
+
+bool ClipEngine::restoreAfterOwnerLeft(std::int64_t previousCount) {
+    // Only when leaving is the one change since the kept copy: a copy made and abandoned
+    // between two looks was never judged, and the one before it is not what the user expects.
+    if (pasteboard_.keepOnQuit() != ClipKeepOnQuit::ours ||
+        pasteboard_.changeCount() != previousCount + 1)
+        return false;
+    const ClipItem* item = keepableOnQuit(previousCount);
+    if (!item) return false;
+    // The copy is put back as it was: the entry neither moves nor counts a paste.
+    const ClipPayload payload = payloadFor(*item, ClipPasteForm::rich);
+    if (isEmpty(payload)) return false;
+    const std::int64_t written = pasteboard_.write(payload, item->appID);
+    capture_.setLastCount(written);
+    lastKept_->count = written;
+    return true;
 }
 
 bool ClipEngine::keep(DetectedClip detected) {

@@ -218,7 +218,14 @@ public:
 
 private:
     void capture(const PasteboardSnapshot& snapshot, const std::optional<std::string>& appID);
-    void finishCapture(CaptureDecision decision);
+    // `count` is the change count the copy was read at, remembered when it is kept.
+    void finishCapture(CaptureDecision decision, std::int64_t count);
+    // The entry kept from the copy with change count `count`, when it may outlive the
+    // application that made it: nothing refused it, it is not hidden as sensitive, capture is
+    // not paused and the setting is on.
+    const ClipItem* keepableOnQuit(std::int64_t count) const;
+    // The owner of the copy last kept quit and left the pasteboard empty: puts that copy back.
+    bool restoreAfterOwnerLeft(std::int64_t previousCount);
     DetectionContext detectionContext(const std::optional<std::string>& appID,
                                       const std::optional<std::string>& appName) const;
     // Inserts or merges the entry; false when it could not be kept (its image not stored).
@@ -291,6 +298,12 @@ private:
     bool saveScheduled_ = false;
     bool isHeld_ = false;
     std::optional<Date> nextOpenAttempt_;
+    // The entry kept from the last change captured, with that change's count.
+    struct KeptChange {
+        std::int64_t count = 0;
+        Uuid id;
+    };
+    std::optional<KeptChange> lastKept_;
     // No unprotected copy expires before this; a lower bound, so a look may find nothing.
     std::optional<Date> nextExpiry_;
     bool sweepScheduled_ = false;

@@ -42,6 +42,7 @@ void ClipEngine::storeSettings(ClipSettings settings) {
         settings.retention != settings_->retention || settings.maxItems != settings_->maxItems;
     ClipSettingsStore::save(settings, defaults_);
     rules_ = CaptureRuleSettings::from(settings);
+    pasteboard_.setTextLimit(std::size_t(std::max<std::int64_t>(rules_.textLimit, 0)));
     settings_.set(std::move(settings));
     if (limitsChanged && isHistoryOpen_.get()) {
         const std::vector<ClipItem> removed = prune();

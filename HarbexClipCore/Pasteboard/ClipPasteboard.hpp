@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,13 @@ struct EnumNames<ClipPasteboardAccess> {
         std::pair{ClipPasteboardAccess::ask, std::string_view("ask")},
         std::pair{ClipPasteboardAccess::denied, std::string_view("denied")},
     };
+};
+
+// Who keeps a copy once the application that made it quits.
+enum class ClipKeepOnQuit {
+    ours,            // this pasteboard takes the copy over
+    anotherManager,  // another clipboard manager has taken the duty on; we leave it to it
+    notOffered,      // this pasteboard cannot tell when an owner quits
 };
 
 // The system clipboard: the only way the core reads or writes it. Everything runs on the main
@@ -58,6 +66,24 @@ public:
     // Returns the change count right after the write, so the caller can ignore it when sampling.
     virtual std::int64_t write(const ClipPayload& payload,
                                std::optional<std::string_view> sourceID) = 0;
+
+    // Copies that outlive their owner. When an owner quits without handing its copy to anyone
+    // the pasteboard becomes empty: that counts as a change, and `ownerLeft` stays true until
+    // the next one, so the engine can put the copy back with `write`. An owner that hands its
+    // copy over as it quits (the X11 clipboard-manager convention) is answered by asking
+    // `judge` with the change count of the copy on offer: when it says yes the copy is taken
+    // over as it is, with the own-write marker, and the change count does not move (the
+    // contents did not change); otherwise the owner is refused and simply leaves.
+    // Texts (plain, rtf, html) longer than `bytes` are left unread: plain text then sets
+    // `textOverLimit` in the snapshot, rich forms are left out. Nothing: only the reader's own
+    // bound applies.
+    virtual void setTextLimit(std::optional<std::size_t> bytes) { (void)bytes; }
+
+    virtual bool ownerLeft() { return false; }
+    virtual ClipKeepOnQuit keepOnQuit() { return ClipKeepOnQuit::notOffered; }
+    virtual void setKeepOnQuitJudge(std::function<bool(std::int64_t changeCount)> judge) {
+        (void)judge;
+    }
 };
 
 // The hint's value when `types` declares it, read through `pasteboard`; nothing otherwise. Lets

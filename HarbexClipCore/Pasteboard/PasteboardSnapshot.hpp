@@ -34,6 +34,9 @@ struct PasteboardSnapshot {
     // The value of x-kde-passwordManagerHint when declared: the marker is private only when the
     // value says "secret", so the name alone in `types` is not enough (see PrivacyMarkers.hpp).
     std::optional<std::string> passwordManagerHint{};
+    // The plain text was larger than the reader was allowed to take (ClipPasteboard's
+    // `setTextLimit`) and was left unread.
+    bool textOverLimit = false;
 
     // The local paths of `fileURLs`, in order; remote and non-file URLs are left out.
     std::vector<std::string> filePaths() const;

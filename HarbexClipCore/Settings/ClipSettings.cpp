@@ -93,6 +93,7 @@ JsonValue encodeJson(const ClipWindowSettings& settings) {
         .field("minimumLength", settings.minimumLength)
         .optional("pauseShortcut", settings.pauseShortcut)
         .field("clearKeepsPins", settings.clearKeepsPins)
+        .field("keepsClipboardOnQuit", settings.keepsClipboardOnQuit)
         .take();
 }
 
@@ -112,6 +113,7 @@ JsonStatus decodeJson(const JsonValue& json, ClipWindowSettings& out) {
     reader.read("minimumLength", value.minimumLength);
     readOptional(reader, "pauseShortcut", value.pauseShortcut);
     reader.read("clearKeepsPins", value.clearKeepsPins);
+    reader.read("keepsClipboardOnQuit", value.keepsClipboardOnQuit);
     out = std::move(value);
     return {};
 }
@@ -121,6 +123,7 @@ JsonValue encodeJson(const ClipSettings& settings) {
         .field("retention", settings.retention)
         .field("maxItems", settings.maxItems)
         .field("imageLimit", settings.imageLimit)
+        .field("textLimit", settings.textLimit)
         .field("excludedApps", settings.excludedApps)
         .field("skipPasswordManagers", settings.skipPasswordManagers)
         .field("detectSensitive", settings.detectSensitive)
@@ -147,6 +150,7 @@ JsonStatus decodeJson(const JsonValue& json, ClipSettings& out) {
     reader.read("retention", value.retention);
     reader.read("maxItems", value.maxItems);
     reader.read("imageLimit", value.imageLimit);
+    reader.read("textLimit", value.textLimit);
     reader.read("excludedApps", value.excludedApps);
     reader.read("skipPasswordManagers", value.skipPasswordManagers);
     reader.read("detectSensitive", value.detectSensitive);

@@ -51,6 +51,8 @@ struct ClipWindowSettings {
     std::int64_t minimumLength = 0;
     std::optional<ClipShortcut> pauseShortcut;  // left out of the JSON when absent
     bool clearKeepsPins = true;
+    // Puts the last kept copy back when the application that made it quits.
+    bool keepsClipboardOnQuit = true;
 
     friend bool operator==(const ClipWindowSettings&, const ClipWindowSettings&) = default;
 };
@@ -61,6 +63,9 @@ struct ClipSettings {
     ClipRetention retention = ClipRetention::month;
     std::int64_t maxItems = 1000;
     std::int64_t imageLimit = 24'000'000;  // bytes
+    // Bytes of UTF-8. A whole book is under 2 MB; past a few megabytes a copy is a log or a
+    // data dump, and each save rewrites and each search scans all of it.
+    std::int64_t textLimit = 8'000'000;
     std::vector<std::string> excludedApps;
     bool skipPasswordManagers = true;
     bool detectSensitive = true;

@@ -46,6 +46,7 @@ std::int64_t MemoryPasteboard::write(const ClipPayload& payload,
                                      std::optional<std::string_view> sourceID) {
     flavours_.clear();
     ++changeCount_;
+    ownerLeft_ = false;
     if (!payload.fileURLs.empty()) {
         put(kFileUrlType, bytesOf(uriListFromUrls(payload.fileURLs)));
     } else if (payload.url && parsesAsUrl(*payload.url)) {
@@ -66,7 +67,23 @@ std::int64_t MemoryPasteboard::write(const ClipPayload& payload,
 
 std::int64_t MemoryPasteboard::copy(std::vector<Flavour> flavours) {
     flavours_ = std::move(flavours);
+    ownerLeft_ = false;
     return ++changeCount_;
+}
+
+std::int64_t MemoryPasteboard::ownerQuits() {
+    flavours_.clear();
+    ownerLeft_ = true;
+    return ++changeCount_;
+}
+
+bool MemoryPasteboard::ownerQuitsHandingOver() {
+    if (keepOnQuit_ == ClipKeepOnQuit::ours && judge_ && judge_(changeCount_)) {
+        put(kOwnWriteType, {});
+        return true;
+    }
+    ownerQuits();
+    return false;
 }
 
 std::int64_t MemoryPasteboard::copyText(std::string_view text) {

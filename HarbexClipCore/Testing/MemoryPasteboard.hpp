@@ -48,6 +48,20 @@ public:
     // Another application takes the pasteboard and offers nothing.
     std::int64_t clearByAnotherApp() { return copy({}); }
 
+    bool ownerLeft() override { return ownerLeft_; }
+    ClipKeepOnQuit keepOnQuit() override { return keepOnQuit_; }
+    void setKeepOnQuitJudge(std::function<bool(std::int64_t)> judge) override {
+        judge_ = std::move(judge);
+    }
+    // Who keeps copies of quitting owners, as the system would say.
+    void setKeepOnQuit(ClipKeepOnQuit duty) { keepOnQuit_ = duty; }
+    // The owner quits without handing its copy over: the pasteboard empties.
+    std::int64_t ownerQuits();
+    // The owner offers its copy as it quits; when the judge keeps it the contents stay (with
+    // the own-write marker) and the count holds, otherwise the owner quits as above. Returns
+    // whether the copy was kept.
+    bool ownerQuitsHandingOver();
+
     // Every flavour whose data was asked for since the last `forgetRequests`, in order.
     const std::vector<std::string>& requestedTypes() const { return requested_; }
     void forgetRequests() { requested_.clear(); }
@@ -66,6 +80,9 @@ private:
     std::int64_t changeCount_ = 0;
     std::vector<Flavour> flavours_;
     std::vector<std::string> requested_;
+    bool ownerLeft_ = false;
+    ClipKeepOnQuit keepOnQuit_ = ClipKeepOnQuit::ours;
+    std::function<bool(std::int64_t)> judge_;
 };
 
 }  // namespace harbex

@@ -80,6 +80,11 @@ TEST(ClipEngineCaptureTests, EveryRuleRefusesWithItsReasonAndKeepsNothing) {
          "org.example.editor",
          {Flavour::text(kPlainTextType, "nine char")},
          SkipReason::tooShort()},
+        {"over the text limit",
+         [](ClipSettings& s) { s.textLimit = 10; },
+         "org.example.editor",
+         {Flavour::text(kPlainTextType, "eleven char")},
+         SkipReason::tooLarge()},
         {"only spaces",
          [](ClipSettings&) {},
          "org.example.editor",
@@ -179,6 +184,72 @@ TEST(ClipEngineCaptureTests, OwnPasteIsNotCapturedAndDoesNotMoveItsEntry) {
     engine.captureNow();
     EXPECT_EQ(engine.lastSkip().get(), SkipReason::ownCopy());
     EXPECT_EQ(engine.history().get(), before);
+}
+
+TEST(ClipEngineCaptureTests, AKeptCopyOutlivesTheAppThatMadeIt) {
+    struct Case {
+        const char* name;
+        // Runs after "first" and "kept" were captured; the owner of the last copy then quits.
+        std::function<void(EngineRig&)> before;
+        bool handsOver;  // the owner offers its copy as it quits instead of just leaving
+        std::optional<std::string> restored;
+    };
+    const auto concealed = [](EngineRig& rig) {
+        rig.pasteboard.copy(
+            {Flavour::text(kPlainTextType, "hunter2"), Flavour::text(kConcealedType, "")});
+        rig.engine->sample();
+    };
+    const auto settingOff = [](EngineRig& rig) {
+        ClipSettings settings;
+        settings.window.keepsClipboardOnQuit = false;
+        rig.engine->updateSettings(settings);
+    };
+    const auto hidden = [](EngineRig& rig) {
+        rig.engine->setSensitive(rig.engine->history()->front().id, ClipSensitivity::sensitive);
+    };
+    const auto otherManager = [](EngineRig& rig) {
+        rig.pasteboard.setKeepOnQuit(ClipKeepOnQuit::anotherManager);
+    };
+    const auto paused = [](EngineRig& rig) { rig.engine->pause(std::nullopt); };
+    const auto unseen = [](EngineRig& rig) { rig.pasteboard.copyText("not sampled yet"); };
+    const std::vector<Case> cases{
+        {"quits", [](EngineRig&) {}, false, "kept"},
+        {"hands over", [](EngineRig&) {}, true, "kept"},
+        {"concealed copy last", concealed, false, std::nullopt},
+        {"concealed copy handed over", concealed, true, std::nullopt},
+        {"setting off", settingOff, false, std::nullopt},
+        {"setting off, handed over", settingOff, true, std::nullopt},
+        {"hidden as sensitive", hidden, false, std::nullopt},
+        {"paused", paused, true, std::nullopt},
+        {"another manager keeps it", otherManager, false, std::nullopt},
+        {"a copy not yet judged", unseen, true, std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EngineRig rig;
+        ClipEngine& engine = rig.start();
+        engine.sample();
+        rig.copyAndSample("first");
+        rig.clock.advance(5);
+        rig.copyAndSample("kept");
+        c.before(rig);
+        const auto before = engine.history().get();
+
+        bool kept = false;
+        if (c.handsOver) {
+            kept = rig.pasteboard.ownerQuitsHandingOver();
+        } else {
+            rig.pasteboard.ownerQuits();
+            engine.sample();
+        }
+        const auto text = rig.pasteboard.contents(kPlainTextType);
+        EXPECT_EQ(text ? std::optional(stringOf(*text)) : std::nullopt, c.restored);
+        EXPECT_EQ(kept, c.handsOver && c.restored);
+        EXPECT_EQ(rig.pasteboard.contents(kOwnWriteType).has_value(), c.restored.has_value());
+        // Neither path moves the entry, counts it again or captures the restored copy.
+        engine.sample();
+        EXPECT_EQ(engine.history().get(), before);
+    }
 }
 
 TEST(ClipEngineCaptureTests, CaptureNowIgnoresPauseAndExclusionButNotPrivacy) {

@@ -148,7 +148,9 @@ ClipSettings everyFieldChanged() {
                                   false,
                                   4,
                                   ClipShortcut{35, Modifiers::control | Modifiers::shift},
+                                  false,
                                   false};
+    s.textLimit = 1'000'000;
     return s;
 }
 
@@ -181,21 +183,34 @@ TEST(ClipSettingsTests, KeysAreWrittenInDeclarationOrder) {
         for (const auto& member : object) out.emplace_back(member.key());
         return out;
     };
-    EXPECT_EQ(
-        keys(json.as_object()),
-        (std::vector<std::string>{
-            "retention", "maxItems", "imageLimit", "excludedApps", "skipPasswordManagers",
-            "detectSensitive", "sensitiveLifetime", "hideFromScreenSharing", "pausedUntil", "panel",
-            "libraryShortcut", "showsInDock", "pastesPlainByDefault", "closesAfterPasting",
-            "remembersFilter", "ignoresShortCopies", "keptKinds", "welcomeFinished", "window"}));
+    EXPECT_EQ(keys(json.as_object()), (std::vector<std::string>{"retention",
+                                                                "maxItems",
+                                                                "imageLimit",
+                                                                "textLimit",
+                                                                "excludedApps",
+                                                                "skipPasswordManagers",
+                                                                "detectSensitive",
+                                                                "sensitiveLifetime",
+                                                                "hideFromScreenSharing",
+                                                                "pausedUntil",
+                                                                "panel",
+                                                                "libraryShortcut",
+                                                                "showsInDock",
+                                                                "pastesPlainByDefault",
+                                                                "closesAfterPasting",
+                                                                "remembersFilter",
+                                                                "ignoresShortCopies",
+                                                                "keptKinds",
+                                                                "welcomeFinished",
+                                                                "window"}));
     EXPECT_EQ(keys(json.at("panel").as_object()),
               (std::vector<std::string>{"trigger", "fallback", "size", "position", "showsPreview",
                                         "showsAppIcons", "returnCopiesOnly", "stackMode"}));
     EXPECT_EQ(keys(json.at("window").as_object()),
-              (std::vector<std::string>{"appearance", "soundOnCopy", "hapticOnCopy", "sort",
-                                        "layout", "recognisesDetails", "stripsTrackingOnCopy",
-                                        "keepsImages", "ignoresSpacesOnly", "minimumLength",
-                                        "pauseShortcut", "clearKeepsPins"}));
+              (std::vector<std::string>{
+                  "appearance", "soundOnCopy", "hapticOnCopy", "sort", "layout",
+                  "recognisesDetails", "stripsTrackingOnCopy", "keepsImages", "ignoresSpacesOnly",
+                  "minimumLength", "pauseShortcut", "clearKeepsPins", "keepsClipboardOnQuit"}));
 }
 
 TEST(ClipSettingsTests, DefaultsAreWrittenWithTheirPersistedNames) {

@@ -52,6 +52,11 @@ protected:
     std::vector<Process> tools_;
 };
 
+// Whether `output` has `line` as one whole line (UTF8_STRING must not stand in for STRING).
+bool hasLine(const std::string& output, std::string_view line) {
+    return ("\n" + output).find("\n" + std::string(line) + "\n") != std::string::npos;
+}
+
 std::string pngBytes() {
     return std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x01\0\0\0\x01", 24);
 }
@@ -87,6 +92,21 @@ TEST_F(X11PasteboardTests, ACopyByAnotherToolIsOneChangeWithItsTypesAndContents)
         {"files",
          {"xclip", "-selection", "clipboard", "-t", "text/uri-list", "-i"},
          uriList,
+         kFileUrlType,
+         [](const PasteboardSnapshot& s) {
+             EXPECT_EQ(s.filePaths(), (std::vector<std::string>{"/tmp/a b.txt", "/tmp/c.txt"}));
+         }},
+        // PCManFM's bytes: its lists end with the C string's NUL.
+        {"pcmanfm files",
+         {"xclip", "-selection", "clipboard", "-t", "text/uri-list", "-i"},
+         std::string("file:///tmp/a%20b.txt\r\nfile:///tmp/c.txt\r\n\0", 43),
+         kFileUrlType,
+         [](const PasteboardSnapshot& s) {
+             EXPECT_EQ(s.filePaths(), (std::vector<std::string>{"/tmp/a b.txt", "/tmp/c.txt"}));
+         }},
+        {"pcmanfm cut files",
+         {"xclip", "-selection", "clipboard", "-t", "x-special/gnome-copied-files", "-i"},
+         std::string("cut\nfile:///tmp/a%20b.txt\nfile:///tmp/c.txt\0", 44),
          kFileUrlType,
          [](const PasteboardSnapshot& s) {
              EXPECT_EQ(s.filePaths(), (std::vector<std::string>{"/tmp/a b.txt", "/tmp/c.txt"}));
@@ -152,12 +172,13 @@ TEST_F(X11PasteboardTests, OurWriteCarriesItsMarkersForOtherTools) {
         pasteboard_->write(c.payload, c.source);
         const auto targets = read({"xclip", "-selection", "clipboard", "-o", "-t", "TARGETS"});
         for (auto target : c.targets)
-            EXPECT_NE(targets.output.find(std::string(target) + "\n"), std::string::npos)
-                << target << " in " << targets.output;
-        for (auto target : c.absent)
-            EXPECT_EQ(targets.output.find(std::string(target) + "\n"), std::string::npos) << target;
+            EXPECT_TRUE(hasLine(targets.output, target)) << target << " in " << targets.output;
+        for (auto target : c.absent) EXPECT_FALSE(hasLine(targets.output, target)) << target;
         EXPECT_EQ(read({"xclip", "-selection", "clipboard", "-o"}).output, *c.payload.text);
         EXPECT_EQ(read({"xsel", "--clipboard", "--output"}).output, *c.payload.text);
+        // Older clients ask for Latin-1 STRING by name.
+        EXPECT_EQ(read({"xclip", "-selection", "clipboard", "-o", "-t", "STRING"}).output,
+                  *c.payload.text);
         if (c.payload.concealed) {
             EXPECT_EQ(
                 read({"xclip", "-selection", "clipboard", "-o", "-t", "x-kde-passwordManagerHint"})
