@@ -394,6 +394,7 @@ void AppDelegate::showSettings(std::optional<ClipSettingsPage> page) {
                 },
             .applications = [this] { return applications(); },
             .historyFolder = ClipAppPlaces::standard().historyFolder.string(),
+            .keepOnQuit = [this] { return app_->pasteboard().keepOnQuit(); },
         };
         settingsWindow_ = new SettingsWindow(std::move(services));
         settingsWindow_->setAttribute(Qt::WA_DeleteOnClose);

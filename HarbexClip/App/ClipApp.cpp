@@ -69,7 +69,9 @@ std::expected<std::unique_ptr<ClipApp>, std::string> ClipApp::assemble(QObject* 
         .defaults = *app->defaults_,
         .frontApp = [frontmost]() -> std::optional<std::string> {
             auto front = frontmost->frontApp();
-            if (!front) return std::nullopt;
+            // Our own windows make no copies: while the panel or the library has focus, a copy
+            // comes from a program in the background, which is unknown.
+            if (!front || front->pid == frontmost->ownPid()) return std::nullopt;
             return front->bundleID;
         },
         .appName = [entries](std::string_view id) -> std::optional<std::string> {

@@ -56,6 +56,7 @@ public:
 
     X11Connection& connection() { return *connection_; }
     ClipEngine& engine() { return *engine_; }
+    ClipPasteboard& pasteboard() { return *pasteboard_; }
     ClipHotKeys& hotKeys() { return *hotKeys_; }
     ClipPanelFocus& focus() { return *focus_; }
     ClipDefaults& defaults() { return *defaults_; }

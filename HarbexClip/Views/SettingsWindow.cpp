@@ -353,6 +353,15 @@ QWidget* SettingsWindow::capturePage() {
         limit->setValue(int(std::clamp<std::int64_t>(s.imageLimit / 1'000'000, 1, 500)));
     });
     layout->addRow(tr("Largest image:"), limit);
+    layout->addRow(tr("Apps:"), HARBEX_BOOL(tr("Keep the clipboard when an app quits"),
+                                            window.keepsClipboardOnQuit));
+    auto* duty =
+        note(tr("Another clipboard manager already keeps the clipboard when an app "
+                "quits, so Harbex Clipboard leaves that to it."));
+    refreshers_.push_back([duty, keepOnQuit = services_.keepOnQuit](const ClipSettings&) {
+        duty->setVisible(keepOnQuit() == ClipKeepOnQuit::anotherManager);
+    });
+    layout->addRow(QString(), duty);
     return page;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "HarbexClipCore/Model/ClipLibrary.hpp"
+#include "HarbexClipCore/Pasteboard/ClipPasteboard.hpp"
 #include "HarbexClipCore/Settings/ClipDefaults.hpp"
 #include "HarbexClipCore/Settings/ClipSettings.hpp"
 #include "HarbexClipCore/Support/Observable.hpp"
@@ -31,6 +32,8 @@ struct SettingsWindowServices {
     // Applications to choose from for the excluded list: (id, name), running ones first.
     std::function<std::vector<std::pair<std::string, std::string>>()> applications;
     std::string historyFolder;
+    // Who keeps the clipboard when an app quits (another manager may have that duty already).
+    std::function<ClipKeepOnQuit()> keepOnQuit = [] { return ClipKeepOnQuit::ours; };
 };
 
 // The settings window: a sidebar of pages and one form per page. Every control writes the whole

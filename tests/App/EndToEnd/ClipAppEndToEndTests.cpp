@@ -322,5 +322,182 @@ TEST_F(ClipAppEndToEndTests, TheWelcomeShowsOnTheFirstUserStartOnly) {
     ::setenv("XDG_CONFIG_HOME", usualConfig.c_str(), 1);
 }
 
+// Another clipboard manager: it holds CLIPBOARD_MANAGER, as the freedesktop convention has it.
+class OtherManager {
+public:
+    explicit OtherManager(const std::string& display) {
+        connection_ = xcb_connect(display.c_str(), nullptr);
+        const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+        window_ = xcb_generate_id(connection_);
+        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, screen->root, 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        const std::string name = "CLIPBOARD_MANAGER";
+        XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+            connection_, xcb_intern_atom(connection_, 0, std::uint16_t(name.size()), name.c_str()),
+            nullptr));
+        manager_ = atom->atom;
+        xcb_set_selection_owner(connection_, window_, manager_, XCB_CURRENT_TIME);
+        xcb_flush(connection_);
+    }
+    ~OtherManager() { xcb_disconnect(connection_); }
+    bool owns() {
+        XcbReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+            connection_, xcb_get_selection_owner(connection_, manager_), nullptr));
+        return owner && owner->owner == window_;
+    }
+
+private:
+    xcb_connection_t* connection_ = nullptr;
+    xcb_window_t window_ = XCB_NONE;
+    xcb_atom_t manager_ = XCB_ATOM_NONE;
+};
+
+// What `xclip -o -t target` gives, or nothing when the clipboard cannot give it.
+std::optional<std::string> clipboard(const std::string& display, const std::string& target) {
+    // Our own clipboard is served by this process's event loop, so it runs while xclip waits.
+    auto result =
+        testing_x11::run({"xclip", "-selection", "clipboard", "-o", "-t", target}, display, {},
+                         [] { QCoreApplication::processEvents(QEventLoop::AllEvents, 5); });
+    if (result.status != 0) return std::nullopt;
+    return result.output;
+}
+
+TEST_F(ClipAppEndToEndTests, ACopyOutlivesTheAppThatMadeItUnlessItWasPrivate) {
+    AppDelegate delegate;
+    ASSERT_EQ(delegate.start(ClipCommand::autostart), std::nullopt);
+    ClipEngine& engine = delegate.app()->engine();
+    ASSERT_TRUE(waitUntil([&] { return engine.isHistoryOpen().get(); }));
+    const std::string display = server->display();
+    auto gone = [&] { return waitUntil([&] { return !clipboard(display, "TARGETS"); }, 3000); };
+
+    // xclip in the foreground, then it exits. Our settings window has focus meanwhile: the copy
+    // comes from the background, not from us.
+    {
+        delegate.showSettings(ClipSettingsPage::capture);
+        ASSERT_TRUE(waitUntil([&] {
+            return delegate.settingsWindow() &&
+                   QApplication::activeWindow() == delegate.settingsWindow();
+        }));
+        const fs::path file = write("quits.txt", bytesOf("xclip was here"));
+        Process xclip({"xclip", "-quiet", "-selection", "clipboard", "-i", file.string()}, display);
+        ASSERT_TRUE(waitUntil([&] {
+            return find(engine, [](const ClipItem& i) { return i.text == "xclip was here"; });
+        }));
+        EXPECT_EQ(find(engine, [](const ClipItem& i) { return i.text == "xclip was here"; })->appID,
+                  std::nullopt);
+        delegate.settingsWindow()->close();
+        const auto before = engine.history().get();
+        xclip.stop();
+        ASSERT_TRUE(
+            waitUntil([&] { return clipboard(display, "UTF8_STRING") == "xclip was here"; }));
+        EXPECT_EQ(clipboard(display, "STRING"), "xclip was here");
+        EXPECT_EQ(engine.history().get(), before) << "the entry moved or counted again";
+    }
+
+    // An owner with several formats; each comes back.
+    {
+        auto owner = std::make_unique<ScriptedOwner>(display);
+        owner->offer({{"UTF8_STRING", bytesOf("formatted words")},
+                      {"text/html", bytesOf("<b>formatted</b> words")}});
+        ASSERT_TRUE(waitUntil([&] {
+            return find(engine, [](const ClipItem& i) { return i.text == "formatted words"; });
+        }));
+        owner.reset();
+        ASSERT_TRUE(
+            waitUntil([&] { return clipboard(display, "UTF8_STRING") == "formatted words"; }));
+        EXPECT_EQ(clipboard(display, "text/html"), "<b>formatted</b> words");
+    }
+
+    // A private copy, refused: when its owner goes, nothing comes back (not the one before).
+    {
+        auto owner = std::make_unique<ScriptedOwner>(display);
+        owner->offer({{"UTF8_STRING", bytesOf("correct horse battery staple")},
+                      {"x-kde-passwordManagerHint", bytesOf("secret")}});
+        ASSERT_TRUE(
+            waitUntil([&] { return engine.lastSkip().get() == SkipReason::markedPrivate(); }));
+        owner.reset();
+        EXPECT_TRUE(gone());
+        settle(500);
+        EXPECT_EQ(clipboard(display, "UTF8_STRING"), std::nullopt);
+    }
+
+    // A copy over the text limit is refused with its reason, and not restored either.
+    {
+        ClipSettings settings = engine.settings().get();
+        settings.textLimit = 1000;
+        engine.updateSettings(settings);
+        const fs::path file = write("large.txt", bytesOf(std::string(300'000, 'z')));
+        Process xclip({"xclip", "-quiet", "-selection", "clipboard", "-i", file.string()}, display);
+        ASSERT_TRUE(waitUntil([&] { return engine.lastSkip().get() == SkipReason::tooLarge(); }));
+        xclip.stop();
+        EXPECT_TRUE(gone());
+        engine.updateSettings(ClipSettings{});
+    }
+    engine.shutdown();
+}
+
+TEST_F(ClipAppEndToEndTests, AGtkEditorHandsItsCopyOverAsItQuits) {
+    AppDelegate delegate;
+    ASSERT_EQ(delegate.start(ClipCommand::autostart), std::nullopt);
+    ClipEngine& engine = delegate.app()->engine();
+    ASSERT_TRUE(waitUntil([&] { return engine.isHistoryOpen().get(); }));
+    const std::string display = server->display();
+    const fs::path file = write("notes.txt", bytesOf("line one of the notes\nline two\n"));
+    Process mousepad({"mousepad", "--disable-server", file.string()}, display);
+    auto key = [&](const std::string& keys) {
+        // Keys go through XTest to the focused window: GTK ignores keys sent to a window.
+        testing_x11::run({"xdotool", "search", "--sync", "--onlyvisible", "--class", "mousepad",
+                          "windowactivate", "--sync"},
+                         display);
+        testing_x11::run({"xdotool", "key", "--clearmodifiers", keys}, display);
+    };
+    key("ctrl+a");
+    key("ctrl+c");
+    ASSERT_TRUE(waitUntil(
+        [&] {
+            return find(engine, [](const ClipItem& i) {
+                return i.text == "line one of the notes\nline two\n";
+            });
+        },
+        15000))
+        << "Mousepad's copy was not captured";
+    const auto targets = clipboard(display, "TARGETS").value_or("");
+    EXPECT_NE(targets.find("SAVE_TARGETS"), std::string::npos) << targets;
+    key("ctrl+q");
+    // GTK asks the clipboard manager (us) to store before it exits: keep our loop running.
+    ASSERT_TRUE(waitUntil([&] { return !mousepad.running(); }, 15000)) << "Mousepad hung";
+    const auto restored = engine.lastCount();
+    // Stored through SAVE_TARGETS: GTK's own formats come back, not just what the history keeps.
+    EXPECT_EQ(clipboard(display, "UTF8_STRING"), "line one of the notes\nline two\n");
+    // GTK's own text/plain has CRLF line ends: its bytes come back as it served them.
+    EXPECT_EQ(clipboard(display, "text/plain"), "line one of the notes\r\nline two\r\n");
+    EXPECT_TRUE(clipboard(display, "application/x-gtk-text-buffer-rich-text").has_value());
+    EXPECT_EQ(engine.lastCount(), restored) << "handed over, not abandoned and put back";
+    engine.shutdown();
+}
+
+TEST_F(ClipAppEndToEndTests, AnotherClipboardManagerKeepsTheDuty) {
+    const std::string display = server->display();
+    OtherManager other(display);
+    ASSERT_TRUE(waitUntil([&] { return other.owns(); }));
+    AppDelegate delegate;
+    ASSERT_EQ(delegate.start(ClipCommand::autostart), std::nullopt);
+    ClipEngine& engine = delegate.app()->engine();
+    ASSERT_TRUE(waitUntil([&] { return engine.isHistoryOpen().get(); }));
+    EXPECT_EQ(delegate.app()->pasteboard().keepOnQuit(), ClipKeepOnQuit::anotherManager);
+
+    const fs::path file = write("left.txt", bytesOf("left to the other manager"));
+    Process xclip({"xclip", "-quiet", "-selection", "clipboard", "-i", file.string()}, display);
+    ASSERT_TRUE(waitUntil([&] {
+        return find(engine,
+                    [](const ClipItem& i) { return i.text == "left to the other manager"; });
+    }));
+    xclip.stop();
+    settle(800);
+    EXPECT_EQ(clipboard(display, "UTF8_STRING"), std::nullopt);
+    EXPECT_TRUE(other.owns());
+    engine.shutdown();
+}
+
 }  // namespace
 }  // namespace harbex
