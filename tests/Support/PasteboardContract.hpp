@@ -39,6 +39,9 @@ public:
     // The name the platform declares for a role identifier in `types()` (the markers keep
     // theirs everywhere).
     virtual std::string declaredName(std::string_view role) { return std::string(role); }
+    // The application that copied last quits without handing its copy to anyone, and the
+    // pasteboard under test has seen it; false when the harness cannot make that happen.
+    virtual bool quitAnotherApp() { return false; }
 };
 
 // One implementation under test: a name for the test output and a way to make a fresh harness.
@@ -100,6 +103,19 @@ TEST_P(ClipPasteboardContract, TypesComeInTheOwnersOrderWithoutReadingContents) 
     EXPECT_TRUE(harness_->requestedTypes().empty());
     EXPECT_FALSE(pasteboard().markerValue(kPasswordManagerHintType).has_value())
         << "an undeclared marker has no value";
+}
+
+TEST_P(ClipPasteboardContract, AnOwnerThatQuitsLeavesItEmptyAndSaysSoUntilTheNextChange) {
+    harness_->copyFromAnotherApp({PasteboardFlavour::text(kPlainTextType, "short-lived")});
+    EXPECT_FALSE(pasteboard().ownerLeft());
+    const auto before = pasteboard().changeCount();
+    if (!harness_->quitAnotherApp()) GTEST_SKIP() << "this harness cannot make an owner quit";
+    EXPECT_GT(pasteboard().changeCount(), before);
+    EXPECT_TRUE(pasteboard().ownerLeft());
+    EXPECT_FALSE(pasteboard().snapshot().has_value());
+    pasteboard().write(ClipPayload{.text = "put back"}, std::nullopt);
+    EXPECT_FALSE(pasteboard().ownerLeft());
+    EXPECT_EQ(pasteboard().snapshot().value_or(PasteboardSnapshot{}).string, "put back");
 }
 
 TEST_P(ClipPasteboardContract, ChangeCountMovesOnEveryCopyAndWrite) {

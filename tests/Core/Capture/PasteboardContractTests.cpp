@@ -11,6 +11,10 @@ public:
         pasteboard_.forgetRequests();
     }
     std::vector<std::string> requestedTypes() override { return pasteboard_.requestedTypes(); }
+    bool quitAnotherApp() override {
+        pasteboard_.ownerQuits();
+        return true;
+    }
 
 private:
     MemoryPasteboard pasteboard_;

@@ -16,7 +16,7 @@ public:
     X11PasteboardHarness()
         : connection_(connect()),
           pasteboard_(std::make_unique<X11Pasteboard>(*connection_)),
-          owner_(sharedServer().display()) {}
+          owner_(std::make_unique<ScriptedOwner>(sharedServer().display())) {}
 
     ClipPasteboard& pasteboard() override { return *pasteboard_; }
 
@@ -39,17 +39,25 @@ public:
             offers.push_back({"text/x-moz-url", bytesOf(mozUrl)});
         }
         const auto before = pasteboard_->changeCount();
-        owner_.offer(std::move(offers));
+        owner_->offer(std::move(offers));
         ASSERT_TRUE(eventually([&] { return pasteboard_->changeCount() > before; }))
             << "the owner change never arrived";
     }
 
     std::vector<std::string> requestedTypes() override {
         std::vector<std::string> roles;
-        for (const auto& target : owner_.requested()) {
+        for (const auto& target : owner_->requested()) {
             for (auto& role : X11Pasteboard::rolesForTarget(target)) roles.push_back(role);
         }
         return roles;
+    }
+
+    bool quitAnotherApp() override {
+        const auto before = pasteboard_->changeCount();
+        owner_.reset();  // its connection closes, as when a program exits
+        EXPECT_TRUE(eventually([&] { return pasteboard_->changeCount() > before; }));
+        owner_ = std::make_unique<ScriptedOwner>(sharedServer().display());
+        return true;
     }
 
 private:
@@ -64,7 +72,7 @@ private:
 
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11Pasteboard> pasteboard_;
-    ScriptedOwner owner_;
+    std::unique_ptr<ScriptedOwner> owner_;
 };
 
 std::unique_ptr<PasteboardHarness> makeX11Harness() {
