@@ -353,6 +353,16 @@ QWidget* SettingsWindow::capturePage() {
         limit->setValue(int(std::clamp<std::int64_t>(s.imageLimit / 1'000'000, 1, 500)));
     });
     layout->addRow(tr("Largest image:"), limit);
+    auto* textLimit = new QSpinBox(page);
+    textLimit->setRange(1, 500);
+    textLimit->setSuffix(tr(" MB"));
+    connect(textLimit, &QSpinBox::valueChanged, this, [this](int megabytes) {
+        change([&](ClipSettings& s) { s.textLimit = std::int64_t(megabytes) * 1'000'000; });
+    });
+    refreshers_.push_back([textLimit](const ClipSettings& s) {
+        textLimit->setValue(int(std::clamp<std::int64_t>(s.textLimit / 1'000'000, 1, 500)));
+    });
+    layout->addRow(tr("Largest text:"), textLimit);
     layout->addRow(tr("Apps:"), HARBEX_BOOL(tr("Keep the clipboard when an app quits"),
                                             window.keepsClipboardOnQuit));
     auto* duty =
